@@ -1,0 +1,89 @@
+#include "platform/FileSystem.h"
+
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace halvorine {
+namespace {
+
+class FileDescriptor {
+ public:
+  explicit FileDescriptor(int fd) : fd_(fd) {}
+  FileDescriptor(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(const FileDescriptor&) = delete;
+  ~FileDescriptor() {
+    if (fd_ >= 0) close(fd_);
+  }
+  int get() const { return fd_; }
+
+ private:
+  int fd_;
+};
+
+// Plain reads and writes, for file systems where the kernel's copy paths don't apply.
+int CopyByReading(int from, int to) {
+  char block[1 << 16];
+  for (;;) {
+    const ssize_t got = read(from, block, sizeof block);
+    if (got == 0) return 0;
+    if (got < 0) {
+      if (errno == EINTR) continue;
+      return errno;
+    }
+    for (ssize_t done = 0; done < got;) {
+      const ssize_t put = write(to, block + done, static_cast<std::size_t>(got - done));
+      if (put < 0 && errno != EINTR) return errno;
+      if (put > 0) done += put;
+    }
+  }
+}
+
+// A reflink where the file system shares blocks, else copy_file_range, else reads and writes.
+int CopyContent(int from, int to) {
+  if (ioctl(to, FICLONE, from) == 0) return 0;
+  for (;;) {
+    const ssize_t copied = copy_file_range(from, nullptr, to, nullptr, 1 << 30, 0);
+    if (copied == 0) return 0;
+    if (copied > 0) continue;
+    if (errno == EINTR) continue;
+    if (errno == EXDEV || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP) {
+      return CopyByReading(from, to);
+    }
+    return errno;
+  }
+}
+
+class PosixFileSystem final : public FileSystem {
+ public:
+  int MakeDirectory(const std::string& path) override {
+    return mkdir(path.c_str(), 0777) == 0 ? 0 : errno;
+  }
+
+  int CopyFileNoReplace(const std::string& source, const std::string& target) override {
+    FileDescriptor from(open(source.c_str(), O_RDONLY | O_CLOEXEC));
+    if (from.get() < 0) return errno;
+    struct stat info {};
+    if (fstat(from.get(), &info) != 0) return errno;
+    if (S_ISDIR(info.st_mode)) return EISDIR;
+    const mode_t mode = info.st_mode & 0777;
+    FileDescriptor to(open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+    if (to.get() < 0) return errno;
+    const int error = CopyContent(from.get(), to.get());
+    if (error != 0) unlink(target.c_str());
+    return error;
+  }
+};
+
+}  // namespace
+
+FileSystem& FileSystem::Posix() {
+  static PosixFileSystem posix;
+  return posix;
+}
+
+}  // namespace halvorine

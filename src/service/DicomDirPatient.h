@@ -1,0 +1,31 @@
+#ifndef HALVORINE_SERVICE_DICOMDIRPATIENT_H
+#define HALVORINE_SERVICE_DICOMDIRPATIENT_H
+
+#include <halvorine/dicomdir.h>
+
+#include "service/ComObject.h"
+#include "service/RecordProperties.h"
+
+namespace halvorine {
+
+// A patient record: texts and the owning copy of its studies array.
+class DicomDirPatient final : public ComObject<IDicomDirPatient, IID_IDicomDirPatient> {
+ public:
+  DicomDirPatient() = default;
+
+  HALVORINE_TEXT_PROPERTY(PatientID, strPatID, patientID_)
+  HALVORINE_TEXT_PROPERTY(DicomPatName, strDicomPatName, dicomPatName_)
+  HALVORINE_TEXT_PROPERTY(PatientSex, strPatSex, patientSex_)
+  HALVORINE_ARRAY_PROPERTY(Studies, ppStudies, pStudies, studies_)
+
+ private:
+  // Members go in reverse order: the array, and with it the children, before the texts.
+  BString dicomPatName_;
+  BString patientID_;
+  BString patientSex_;
+  SafeArrayPtr studies_;
+};
+
+}  // namespace halvorine
+
+#endif  // HALVORINE_SERVICE_DICOMDIRPATIENT_H

@@ -1,0 +1,38 @@
+#ifndef HALVORINE_SERVICE_DICOMDIRSERIES_H
+#define HALVORINE_SERVICE_DICOMDIRSERIES_H
+
+#include <halvorine/dicomdir.h>
+
+#include "service/ComObject.h"
+#include "service/RecordProperties.h"
+
+namespace halvorine {
+
+// A series record: texts, a number, a date, the owning copy of its images array and a bare back
+// link. SetCalibration stores nothing.
+class DicomDirSeries final : public ComObject<IDicomDirSeries, IID_IDicomDirSeries> {
+ public:
+  DicomDirSeries() = default;
+
+  HALVORINE_TEXT_PROPERTY(SeriesInstUID, strSeriesInstUID, seriesInstUID_)
+  HALVORINE_VALUE_PROPERTY(SHORT, SeriesNumber, nSeriesNr, seriesNumber_)
+  HALVORINE_TEXT_PROPERTY(Modality, strModality, modality_)
+  HALVORINE_VALUE_PROPERTY(DATE, SeriesDateTime, seriesDateTime, seriesDateTime_)
+  HALVORINE_TEXT_PROPERTY(SeriesDescription, strSeriesDescr, seriesDescription_)
+  HRESULT SetCalibration(double dPixelSpacingX, double dPixelSpacingY) override;
+  HALVORINE_ARRAY_PROPERTY(Images, ppImages, pImages, images_)
+  HALVORINE_LINK_PROPERTY(IDicomDirStudy, Study, ppStudy, pStudy, study_)
+
+ private:
+  BString seriesInstUID_;
+  BString modality_;
+  BString seriesDescription_;
+  DATE seriesDateTime_ = 0.0;
+  SHORT seriesNumber_ = 0;
+  SafeArrayPtr images_;
+  IDicomDirStudy* study_ = nullptr;
+};
+
+}  // namespace halvorine
+
+#endif  // HALVORINE_SERVICE_DICOMDIRSERIES_H

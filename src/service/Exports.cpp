@@ -1,0 +1,31 @@
+// The library's five entry points.
+#include <halvorine/dicomdir.h>
+
+#include "service/ClassFactory.h"
+#include "service/ComObject.h"
+#include "service/DicomDirImpl.h"
+#include "service/ModuleLock.h"
+
+using halvorine::ClassFactory;
+
+HALVORINE_API HRESULT CreateUnregisteredComInstance(void** ppv, REFIID riid) {
+  return halvorine::CreateObject<halvorine::DicomDirImpl>(riid, ppv);
+}
+
+HALVORINE_API HRESULT DllCanUnloadNow() {
+  return halvorine::ModuleLock::Count() == 0 ? S_OK : S_FALSE;
+}
+
+HALVORINE_API HRESULT DllGetClassObject(REFCLSID rclsid, REFIID riid, void** ppv) {
+  if (ppv == nullptr) return E_POINTER;
+  ClassFactory* factory = halvorine::FindClassFactory(rclsid);
+  if (factory == nullptr) {
+    *ppv = nullptr;
+    return CLASS_E_CLASSNOTAVAILABLE;
+  }
+  return factory->QueryInterface(riid, ppv);
+}
+
+// Registration comes with the component server.
+HALVORINE_API HRESULT DllRegisterServer() { return E_NOTIMPL; }
+HALVORINE_API HRESULT DllUnregisterServer() { return E_NOTIMPL; }

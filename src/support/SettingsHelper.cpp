@@ -1,0 +1,68 @@
+#include "support/SettingsHelper.h"
+
+#include <fstream>
+
+#include "platform/ModulePath.h"
+#include "support/MyException.h"
+
+namespace halvorine {
+namespace {
+
+constexpr char kUnit[] = "SettingsHelper";
+
+SettingsHelper& ProcessSettings() {
+  static SettingsHelper* const settings = new SettingsHelper;
+  return *settings;
+}
+
+}  // namespace
+
+void SettingsHelper::LoadSettings(const std::string& name) { ProcessSettings().Load(name); }
+
+std::string SettingsHelper::GetSetting(const std::string& key) { return ProcessSettings().Get(key); }
+
+void SettingsHelper::Load(const std::string& name) {
+  if (name.empty()) Raise(kUnit, __LINE__, "The settings file name is NULL or empty.");
+  const std::string path =
+      name.find(kPathSeparator) == std::string::npos ? GetModuleDirectory() + name : name;
+  if (!settingsFileName_.empty()) {
+    if (settingsFileName_ == path) return;
+    Raise(kUnit, __LINE__,
+          "Already loaded the %s settings file.\r\nAttempt to load a  second different settings "
+          "file: %s.",
+          settingsFileName_.c_str(), path.c_str());
+  }
+  settingsFileName_ = path;
+  std::ifstream file(path);
+  for (std::string line; std::getline(file, line);) ParseSettingLine(line);
+}
+
+std::string SettingsHelper::Get(const std::string& key) const {
+  const auto found = settingsTable_.find(key);
+  if (found == settingsTable_.end()) {
+    throw MyException(
+        FormatBounded(kMessageBufferSize, "Cannot find the %s setting key.", key.c_str()));
+  }
+  return found->second;
+}
+
+void SettingsHelper::ParseSettingLine(const std::string& line) {
+  const std::size_t add = line.find("<add");
+  if (add == std::string::npos) return;
+  const std::size_t keyWord = line.find("key=", add);
+  if (keyWord == std::string::npos) return;
+  const std::size_t keyOpen = line.find('"', keyWord);
+  if (keyOpen == std::string::npos) return;
+  const std::size_t keyClose = line.find('"', keyOpen + 1);
+  if (keyClose == std::string::npos) return;
+  const std::size_t valueWord = line.find("value=", keyOpen + 1);
+  if (valueWord == std::string::npos) return;
+  const std::size_t valueOpen = line.find('"', valueWord);
+  if (valueOpen == std::string::npos) return;
+  const std::size_t valueClose = line.find('"', valueOpen + 1);
+  if (valueClose == std::string::npos) return;
+  settingsTable_[line.substr(keyOpen + 1, keyClose - keyOpen - 1)] =
+      line.substr(valueOpen + 1, valueClose - valueOpen - 1);
+}
+
+}  // namespace halvorine
