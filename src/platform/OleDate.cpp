@@ -7,8 +7,10 @@ namespace halvorine {
 namespace {
 
 constexpr double kSecondsPerDay = 86400.0;
-constexpr double kFirstDate = -657434.0;         // 1 January 100
-constexpr double kLastDate = 2958465.99999999;   // 31 December 9999, just before midnight
+// A day before the epoch runs from its whole number down towards the next lower one: the times
+// of 1 January 100 lie in (-657435, -657434].
+constexpr double kFirstDay = -657434.0;  // 1 January 100
+constexpr double kLastDay = 2958465.0;   // 31 December 9999
 
 // Days between 1 March of year 0 (proleptic Gregorian) and the civil date, by eras of 400 years.
 constexpr std::int64_t DaysFromCivil(std::int64_t year, int month, int day) {
@@ -45,7 +47,7 @@ int DaysInMonth(int year, int month) {
 }  // namespace
 
 bool VariantTimeToSystemTime(double date, SystemTime* fields) {
-  if (!(date >= kFirstDate && date <= kLastDate)) return false;
+  if (!(date > kFirstDay - 1.0 && date < kLastDay + 1.0)) return false;
   // The whole part counts days from the epoch either way; the fraction is always a time of day.
   const double whole = std::trunc(date);
   const double fraction = std::fabs(date - whole);
@@ -71,7 +73,8 @@ bool SystemTimeToVariantTime(const SystemTime& fields, double* date) {
   const bool clock = fields.hour >= 0 && fields.hour < 24 && fields.minute >= 0 &&
                      fields.minute < 60 && fields.second >= 0 && fields.second < 60;
   if (!calendar || !clock) return false;
-  const auto days = static_cast<double>(DaysFromCivil(fields.year, fields.month, fields.day) - kEpoch);
+  const auto days =
+      static_cast<double>(DaysFromCivil(fields.year, fields.month, fields.day) - kEpoch);
   const double time = (fields.hour * 3600 + fields.minute * 60 + fields.second) / kSecondsPerDay;
   *date = days < 0 ? days - time : days + time;
   return true;

@@ -18,8 +18,11 @@ constexpr char kFileName[] = "DICOMDIR";
 bool FindDicomDirFile(const char16_t* directory, std::string* path) {
   std::string folder = ToNarrow(directory);
   if (!folder.empty() && folder.back() == kPathSeparator) folder.pop_back();
-  if (!EntryExists(folder)) Raise(kUnit, __LINE__, "Can't open folder %s", folder.c_str());
-  if (folder.empty() || folder.back() != kPathSeparator) folder += kPathSeparator;
+  // As FindFirstFileA, the probe finds nothing for a name that ends in a separator, so of two
+  // trailing separators the one left makes the folder count as missing.
+  const bool found = !folder.empty() && folder.back() != kPathSeparator && EntryExists(folder);
+  if (!found) Raise(kUnit, __LINE__, "Can't open folder %s", folder.c_str());
+  folder += kPathSeparator;
   std::vector<DirectoryEntry> entries;
   FindEntries(folder, kFileName, &entries);
   if (entries.empty()) {

@@ -1,0 +1,111 @@
+#include "platform/FileSystem.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <string>
+
+#include "TempFolder.h"
+
+namespace halvorine {
+namespace {
+
+mode_t ModeOf(const std::string& path) {
+  struct stat info {};
+  return stat(path.c_str(), &info) == 0 ? info.st_mode : 0;
+}
+
+// Pseudo-random bytes, so that a block copied to the wrong place shows.
+std::string Pattern(std::size_t size) {
+  std::string bytes(size, '\0');
+  std::uint32_t state = 2463534242u;
+  for (char& byte : bytes) {
+    state ^= state << 13, state ^= state >> 17, state ^= state << 5;
+    byte = static_cast<char>(state);
+  }
+  return bytes;
+}
+
+class UmaskGuard {
+ public:
+  explicit UmaskGuard(mode_t mask) : previous_(umask(mask)) {}
+  ~UmaskGuard() { umask(previous_); }
+
+ private:
+  mode_t previous_;
+};
+
+TEST(FileSystemTest, MakeDirectoryGivesErrno) {
+  TempFolder temp;
+  WriteWholeFile(temp.Path("file"), "x");
+  temp.MakeFolder("folder");
+  const struct {
+    std::string path;
+    int expected;
+  } cases[] = {
+      {temp.Path("new"), 0},
+      {temp.Path("folder"), EEXIST},
+      {temp.Path("file"), EEXIST},
+      {temp.Path("missing/new"), ENOENT},
+      {temp.Path("file/new"), ENOTDIR},
+      {"", ENOENT},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(FileSystem::Posix().MakeDirectory(c.path), c.expected) << c.path;
+  EXPECT_TRUE(S_ISDIR(ModeOf(temp.Path("new"))));
+}
+
+TEST(FileSystemTest, MakeDirectoryUsesMode0777UnderTheUmask) {
+  TempFolder temp;
+  const UmaskGuard mask(027);
+  ASSERT_EQ(FileSystem::Posix().MakeDirectory(temp.Path("new")), 0);
+  EXPECT_EQ(ModeOf(temp.Path("new")) & 07777, 0750u);
+}
+
+TEST(FileSystemTest, CopyIsByteIdentical) {
+  // Empty, below one read block, and large enough to cross many blocks with an odd tail.
+  for (const std::size_t size : {std::size_t{0}, std::size_t{1000}, std::size_t{(5 << 20) + 123}}) {
+    TempFolder temp;
+    const std::string content = Pattern(size);
+    WriteWholeFile(temp.Path("source"), content);
+    ASSERT_EQ(FileSystem::Posix().CopyFileNoReplace(temp.Path("source"), temp.Path("target")), 0);
+    EXPECT_TRUE(ReadWholeFile(temp.Path("target")) == content) << size;
+    EXPECT_TRUE(ReadWholeFile(temp.Path("source")) == content) << size;
+  }
+}
+
+TEST(FileSystemTest, CopyNeverReplacesAnExistingTarget) {
+  TempFolder temp;
+  WriteWholeFile(temp.Path("source"), "new content");
+  WriteWholeFile(temp.Path("target"), "old");
+  EXPECT_EQ(FileSystem::Posix().CopyFileNoReplace(temp.Path("source"), temp.Path("target")),
+            EEXIST);
+  EXPECT_EQ(ReadWholeFile(temp.Path("target")), "old");
+  temp.MakeFolder("folder");
+  EXPECT_EQ(FileSystem::Posix().CopyFileNoReplace(temp.Path("source"), temp.Path("folder")),
+            EEXIST);
+}
+
+TEST(FileSystemTest, CopyFailsWithoutMakingATarget) {
+  TempFolder temp;
+  WriteWholeFile(temp.Path("source"), "x");
+  temp.MakeFolder("folder");
+  const struct {
+    std::string source;
+    std::string target;
+    int expected;
+  } cases[] = {
+      {temp.Path("missing"), temp.Path("target"), ENOENT},
+      {temp.Path("folder"), temp.Path("target"), EISDIR},
+      {temp.Path("source"), temp.Path("missing/target"), ENOENT},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(FileSystem::Posix().CopyFileNoReplace(c.source, c.target), c.expected) << c.source;
+    EXPECT_EQ(ModeOf(temp.Path("target")), 0u) << c.source;
+  }
+}
+
+}  // namespace
+}  // namespace halvorine

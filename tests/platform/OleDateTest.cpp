@@ -1,0 +1,143 @@
+#include "platform/OleDate.h"
+
+#include <gtest/gtest.h>
+#include <time.h>
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <ostream>
+#include <tuple>
+
+namespace halvorine {
+
+bool operator==(const SystemTime& a, const SystemTime& b) {
+  return std::tie(a.year, a.month, a.day, a.hour, a.minute, a.second, a.milliseconds) ==
+         std::tie(b.year, b.month, b.day, b.hour, b.minute, b.second, b.milliseconds);
+}
+
+std::ostream& operator<<(std::ostream& out, const SystemTime& t) {
+  return out << t.year << '-' << t.month << '-' << t.day << ' ' << t.hour << ':' << t.minute << ':'
+             << t.second << '.' << t.milliseconds;
+}
+
+namespace {
+
+constexpr double kDay = 86400.0;
+constexpr std::int64_t kUnixEpoch = 25569;   // 1 January 1970
+constexpr std::int64_t kFirstDay = -657434;  // 1 January 100
+constexpr std::int64_t kLastDay = 2958465;   // 31 December 9999
+
+struct KnownDate {
+  SystemTime fields;
+  double date;
+};
+
+// Day numbers from Python's proleptic Gregorian datetime.date.
+const KnownDate kKnownDates[] = {
+    {{1899, 12, 30}, 0.0},
+    {{1900, 1, 1}, 2.0},
+    {{1900, 3, 1}, 61.0},  // 1900 is no leap year for OLE dates
+    {{2000, 2, 29}, 36585.0},
+    {{2024, 3, 9, 12, 5, 30}, 45360.0 + 43530 / kDay},
+    {{1899, 12, 30, 6, 0, 0}, 0.25},
+    {{1899, 12, 29, 6, 0, 0}, -1.25},
+    {{1800, 1, 1, 18, 0, 0}, -36522.75},
+    {{1582, 10, 4}, -115869.0},
+    {{1582, 10, 10}, -115863.0},  // no gap in the proleptic calendar
+    {{1582, 10, 15}, -115858.0},
+    {{100, 1, 1}, static_cast<double>(kFirstDay)},
+    {{100, 1, 1, 12, 0, 0}, kFirstDay - 0.5},
+    {{9999, 12, 31}, static_cast<double>(kLastDay)},
+    {{9999, 12, 31, 23, 59, 59}, kLastDay + 86399 / kDay},
+};
+
+TEST(OleDateTest, KnownDatesMapBothWays) {
+  for (const KnownDate& known : kKnownDates) {
+    double date = 0.0;
+    ASSERT_TRUE(SystemTimeToVariantTime(known.fields, &date)) << known.fields;
+    EXPECT_DOUBLE_EQ(date, known.date) << known.fields;
+    SystemTime fields;
+    ASSERT_TRUE(VariantTimeToSystemTime(known.date, &fields)) << known.date;
+    EXPECT_EQ(fields, known.fields) << known.date;
+  }
+}
+
+TEST(OleDateTest, MillisecondsAreIgnoredOnTheWayToTheNumber) {
+  double withMilliseconds = 0.0;
+  double without = 0.0;
+  ASSERT_TRUE(SystemTimeToVariantTime({2024, 3, 9, 12, 5, 30, 999}, &withMilliseconds));
+  ASSERT_TRUE(SystemTimeToVariantTime({2024, 3, 9, 12, 5, 30, 0}, &without));
+  EXPECT_EQ(withMilliseconds, without);
+}
+
+TEST(OleDateTest, RoundsToTheNearestSecond) {
+  const KnownDate cases[] = {
+      {{2024, 3, 9, 12, 5, 30}, 45360.0 + 43530.4 / kDay},
+      {{2024, 3, 9, 12, 5, 31}, 45360.0 + 43530.6 / kDay},
+      {{2024, 3, 10, 0, 0, 0}, 45360.0 + 86399.6 / kDay},
+      {{1899, 12, 29, 6, 0, 1}, -1.0 - 21600.7 / kDay},
+      {{1899, 12, 30, 0, 0, 0}, -1.0 - 86399.6 / kDay},  // the end of 29 December
+      {{1899, 12, 30, 6, 0, 0}, -0.25},                  // the whole part is 0 either way
+      {{100, 1, 2, 0, 0, 0}, kFirstDay - 0.99999999},
+  };
+  for (const KnownDate& c : cases) {
+    SystemTime fields;
+    ASSERT_TRUE(VariantTimeToSystemTime(c.date, &fields)) << c.date;
+    EXPECT_EQ(fields, c.fields) << c.date;
+  }
+}
+
+TEST(OleDateTest, RefusesNumbersOutsideTheRange) {
+  const double cases[] = {
+      std::numeric_limits<double>::quiet_NaN(),
+      std::numeric_limits<double>::infinity(),
+      -std::numeric_limits<double>::infinity(),
+      kFirstDay - 1.0,
+      kFirstDay - 1.5,
+      kLastDay + 1.0,
+      kLastDay + 86399.6 / kDay,  // rounds into the year 10000
+      1e300,
+  };
+  for (double date : cases) {
+    SystemTime fields;
+    EXPECT_FALSE(VariantTimeToSystemTime(date, &fields)) << date;
+  }
+}
+
+TEST(OleDateTest, RefusesFieldsOutsideTheirRange) {
+  const SystemTime cases[] = {
+      {2024, 13, 1},          {2024, 0, 1},     {2024, 1, 0},        {2024, 1, 32},
+      {2023, 2, 29},          {2100, 2, 29},    {2024, 4, 31},       {99, 12, 31},
+      {10000, 1, 1},          {0, 1, 1},        {2024, 1, 1, 24},    {2024, 1, 1, 0, 60},
+      {2024, 1, 1, 0, 0, 60}, {2024, 1, 1, -1}, {2024, 1, 1, 0, -1},
+  };
+  for (const SystemTime& fields : cases) {
+    double date = 7.0;
+    EXPECT_FALSE(SystemTimeToVariantTime(fields, &date)) << fields;
+    EXPECT_EQ(date, 7.0) << fields;
+  }
+}
+
+// Every day of the range, each at another time of day, against glibc's proleptic gmtime_r.
+TEST(OleDateTest, EveryDayRoundTripsAndAgreesWithGmtime) {
+  for (std::int64_t day = kFirstDay; day <= kLastDay; ++day) {
+    const std::int64_t second = (day * 7919 % 86400 + 86400) % 86400;
+    const time_t moment = static_cast<time_t>((day - kUnixEpoch) * 86400 + second);
+    struct tm broken {};
+    ASSERT_NE(gmtime_r(&moment, &broken), nullptr);
+    const SystemTime expected{broken.tm_year + 1900, broken.tm_mon + 1, broken.tm_mday,
+                              broken.tm_hour,        broken.tm_min,     broken.tm_sec};
+    double date = 0.0;
+    ASSERT_TRUE(SystemTimeToVariantTime(expected, &date)) << expected;
+    ASSERT_EQ(std::trunc(date), static_cast<double>(day)) << expected;
+    ASSERT_NEAR(std::fabs(date - std::trunc(date)) * kDay, static_cast<double>(second), 1e-3)
+        << expected;
+    SystemTime fields;
+    ASSERT_TRUE(VariantTimeToSystemTime(date, &fields)) << date;
+    ASSERT_EQ(fields, expected) << date;
+  }
+}
+
+}  // namespace
+}  // namespace halvorine

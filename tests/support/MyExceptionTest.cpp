@@ -1,0 +1,86 @@
+#include "support/MyException.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "RaisedMessage.h"
+
+namespace halvorine {
+namespace {
+
+TEST(MyExceptionTest, RaiseWrapsTheMessageWithItsPlace) {
+  const struct {
+    std::string message;
+    std::string expected;
+  } cases[] = {
+      {RaisedMessage([] { Raise("DicomDirImpl", 42, "Can't open folder %s", "/no/such"); }),
+       "Can't open folder /no/such File=DicomDirImpl, Line=42"},
+      {RaisedMessage([] { Raise("VRContainer", 7, "%d and %x", -3, 255u); }),
+       "-3 and ff File=VRContainer, Line=7"},
+      {RaisedMessage([] { Raise("SettingsHelper", 1, "%s", ""); }), " File=SettingsHelper, Line=1"},
+      {RaisedMessage([] { RaiseStatus(E_FAIL, "DicomDirImpl", 310); }),
+       "COM method failed. HRESULT=80004005, File=DicomDirImpl, Line=310"},
+      {RaisedMessage([] { RaiseStatus(DISP_E_BADINDEX, "DicomDirImpl", 9); }),
+       "COM method failed. HRESULT=8002000b, File=DicomDirImpl, Line=9"},
+      {RaisedMessage([] { RaiseStatus(S_FALSE, "DicomDirImpl", 9); }),
+       "COM method failed. HRESULT=1, File=DicomDirImpl, Line=9"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(c.message, c.expected);
+}
+
+TEST(MyExceptionTest, AMessageLongerThanTheBufferIsCut) {
+  const std::string suffix = " File=U, Line=1";
+  const std::string fits(kMessageBufferSize - 1 - suffix.size(), 'f');
+  EXPECT_EQ(RaisedMessage([&] { Raise("U", 1, "%s", fits.c_str()); }), fits + suffix);
+  const std::string cut = RaisedMessage([&] { Raise("U", 1, "%s!", fits.c_str()); });
+  EXPECT_EQ(cut, fits + "!" + suffix.substr(0, suffix.size() - 1));
+  const std::string huge(5000, 'h');
+  EXPECT_EQ(RaisedMessage([&] { Raise("U", 1, "%s", huge.c_str()); }),
+            std::string(kMessageBufferSize - 1, 'h'));
+}
+
+TEST(MyExceptionTest, FormatBoundedCutsAtTheBufferSize) {
+  EXPECT_EQ(FormatBounded(8, "%s", "abcdefghij"), "abcdefg");
+  EXPECT_EQ(FormatBounded(8, "%s", "abcdefg"), "abcdefg");
+  EXPECT_EQ(FormatBounded(128, "The unmanaged trace level is: %d", 3),
+            "The unmanaged trace level is: 3");
+  EXPECT_EQ(FormatBounded(1, "%s", "abc"), "");
+}
+
+TEST(MyExceptionTest, ToXmlWithoutNesting) {
+  EXPECT_EQ(MyException("Can't open file /a/DICOMDIR").ToXml(),
+            u"<exception Message=\"Can't open file /a/DICOMDIR\"></exception>");
+  EXPECT_EQ(MyException("").ToXml(), u"<exception Message=\"\"></exception>");
+}
+
+TEST(MyExceptionTest, ToXmlNestsTwoLevelsDeep) {
+  const MyException inner("inner");
+  const MyException middle("middle", inner);
+  const MyException outer("outer", middle);
+  EXPECT_EQ(outer.ToXml(),
+            u"<exception Message=\"outer\"><exception Message=\"middle\">"
+            u"<exception Message=\"inner\"></exception></exception></exception>");
+}
+
+TEST(MyExceptionTest, ToXmlInsertsTheMessageUnescapedAndWide) {
+  EXPECT_EQ(MyException("say \"hi\" <b> & 'x'\r\n").ToXml(),
+            u"<exception Message=\"say \"hi\" <b> & 'x'\r\n\"></exception>");
+  EXPECT_EQ(MyException("Gr\xC3\xB6\xC3\x9F \xE2\x82\xAC").ToXml(),
+            u"<exception Message=\"Gr\u00F6\u00DF \u20AC\"></exception>");
+}
+
+TEST(MyExceptionTest, CopiesAreDeepAndOutliveTheirSource) {
+  auto inner = std::make_unique<MyException>("inner");
+  auto source = std::make_unique<MyException>("outer", *inner);
+  inner.reset();
+  const MyException copy(*source);
+  source.reset();
+  EXPECT_STREQ(copy.what(), "outer");
+  EXPECT_EQ(copy.ToXml(),
+            u"<exception Message=\"outer\"><exception Message=\"inner\"></exception></exception>");
+}
+
+}  // namespace
+}  // namespace halvorine

@@ -1,0 +1,140 @@
+#include "support/SettingsHelper.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+#include "RaisedMessage.h"
+#include "TempFolder.h"
+#include "support/MyException.h"
+
+namespace halvorine {
+namespace {
+
+// The value of key, or nothing when Get fails with the bare "not found" text.
+std::optional<std::string> ValueOf(const SettingsHelper& settings, const std::string& key) {
+  try {
+    return settings.Get(key);
+  } catch (const MyException& failure) {
+    EXPECT_STREQ(failure.what(), ("Cannot find the " + key + " setting key.").c_str());
+    return std::nullopt;
+  }
+}
+
+struct ScanCase {
+  const char* name;
+  std::string content;
+  std::string key;
+  std::optional<std::string> value;
+};
+
+const ScanCase kScanCases[] = {
+    {"one entry", R"(<add key="AeTitle" value="HALVORINE"/>)", "AeTitle", "HALVORINE"},
+    {"the later line wins",
+     "<add key=\"AeTitle\" value=\"FIRST\"/>\n<add key=\"AeTitle\" value=\"SECOND\"/>\n", "AeTitle",
+     "SECOND"},
+    {"only the first entry of a line counts",
+     R"(<add key="AeTitle" value="FIRST"/><add key="AeTitle" value="SECOND"/>)", "AeTitle",
+     "FIRST"},
+    {"the second entry of a line is lost",
+     R"(<add key="AeTitle" value="FIRST"/><add key="Other" value="SECOND"/>)", "Other",
+     std::nullopt},
+    {"spread over two lines", "<add key=\"AeTitle\"\n value=\"HALVORINE\"/>", "AeTitle",
+     std::nullopt},
+    {"value ahead of the key", R"(<add value="HALVORINE" key="AeTitle"/>)", "AeTitle",
+     std::nullopt},
+    {"empty value", R"(<add key="AeTitle" value=""/>)", "AeTitle", ""},
+    {"blanks are kept", R"(<add key="AeTitle" value="  A B  "/>)", "AeTitle", "  A B  "},
+    {"a value ends at its second quote", R"(<add key="AeTitle" value="A"B"/>)", "AeTitle", "A"},
+    {"a blank before the equals sign", R"(<add key ="AeTitle" value="HALVORINE"/>)", "AeTitle",
+     std::nullopt},
+    {"a blank before the value's equals sign", R"(<add key="AeTitle" value ="HALVORINE"/>)",
+     "AeTitle", std::nullopt},
+    {"no <add", R"(<set key="AeTitle" value="HALVORINE"/>)", "AeTitle", std::nullopt},
+    {"upper case ADD", R"(<ADD key="AeTitle" value="HALVORINE"/>)", "AeTitle", std::nullopt},
+    {"keys are case-sensitive", R"(<add key="aetitle" value="HALVORINE"/>)", "AeTitle",
+     std::nullopt},
+    {"no closing quote of the value", R"(<add key="AeTitle" value="HALVORINE/>)", "AeTitle",
+     std::nullopt},
+    {"no closing quote of the key", R"(<add key="AeTitle)", "AeTitle", std::nullopt},
+    {"single quotes aren't quotes", R"(<add key='AeTitle' value='HALVORINE'/>)", "AeTitle",
+     std::nullopt},
+    {"inside a comment", R"(<!-- <add key="AeTitle" value="HALVORINE"/> -->)", "AeTitle",
+     "HALVORINE"},
+    {"entities stay", R"(<add key="AeTitle" value="A&amp;B"/>)", "AeTitle", "A&amp;B"},
+    {"anything ahead of <add", R"(text key="x" <add key="AeTitle" value="HALVORINE"/>)", "AeTitle",
+     "HALVORINE"},
+    {"the key may be empty", R"(<add key="" value="HALVORINE"/>)", "", "HALVORINE"},
+    {"value= inside the key", R"(<add key="value=" x="AeTitle"/>)", "value=", " x="},
+    {"a line may end in CR LF", "<add key=\"AeTitle\" value=\"A\"/>\r\n", "AeTitle", "A"},
+    {"the whole host file",
+     "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<configuration>\n  <appSettings>\n"
+     "    <add key=\"AeTitle\" value=\"HALVORINE\"/>\n  </appSettings>\n</configuration>\n",
+     "AeTitle", "HALVORINE"},
+};
+
+TEST(SettingsHelperTest, ScansAddLines) {
+  for (const ScanCase& c : kScanCases) {
+    TempFolder temp;
+    WriteWholeFile(temp.Path("app.config"), c.content);
+    SettingsHelper settings;
+    settings.Load(temp.Path("app.config"));
+    EXPECT_EQ(ValueOf(settings, c.key), c.value) << c.name;
+  }
+}
+
+TEST(SettingsHelperTest, AnEmptyNameFails) {
+  SettingsHelper settings;
+  const std::string message = RaisedMessage([&] { settings.Load(""); });
+  EXPECT_TRUE(IsPlaced(message, "The settings file name is NULL or empty.", "SettingsHelper"))
+      << message;
+}
+
+TEST(SettingsHelperTest, TheSameNameTwiceReadsTheFileOnce) {
+  TempFolder temp;
+  WriteWholeFile(temp.Path("app.config"), R"(<add key="AeTitle" value="FIRST"/>)");
+  SettingsHelper settings;
+  settings.Load(temp.Path("app.config"));
+  WriteWholeFile(temp.Path("app.config"), R"(<add key="AeTitle" value="SECOND"/>)");
+  settings.Load(temp.Path("app.config"));
+  EXPECT_EQ(ValueOf(settings, "AeTitle"), "FIRST");
+}
+
+TEST(SettingsHelperTest, ASecondDifferentNameFails) {
+  TempFolder temp;
+  WriteWholeFile(temp.Path("a.config"), R"(<add key="AeTitle" value="A"/>)");
+  WriteWholeFile(temp.Path("b.config"), R"(<add key="AeTitle" value="B"/>)");
+  // The same file under another form of its path counts as different.
+  for (const std::string& second : {temp.Path("b.config"), temp.Path("/a.config")}) {
+    SettingsHelper settings;
+    settings.Load(temp.Path("a.config"));
+    const std::string message = RaisedMessage([&] { settings.Load(second); });
+    const std::string proper = "Already loaded the " + temp.Path("a.config") +
+                               " settings file.\r\nAttempt to load a  second different settings "
+                               "file: " +
+                               second + ".";
+    EXPECT_TRUE(IsPlaced(message, proper, "SettingsHelper")) << message;
+    EXPECT_EQ(ValueOf(settings, "AeTitle"), "A");
+  }
+}
+
+TEST(SettingsHelperTest, AMissingFileCountsAsLoadedAndEmpty) {
+  TempFolder temp;
+  SettingsHelper settings;
+  settings.Load(temp.Path("app.config"));
+  EXPECT_EQ(ValueOf(settings, "AeTitle"), std::nullopt);
+  WriteWholeFile(temp.Path("app.config"), R"(<add key="AeTitle" value="LATE"/>)");
+  settings.Load(temp.Path("app.config"));
+  EXPECT_EQ(ValueOf(settings, "AeTitle"), std::nullopt);
+}
+
+// A name without '/' is looked for beside the executable, where the build puts the host's file.
+TEST(SettingsHelperTest, ABareNameIsFoundBesideTheExecutable) {
+  SettingsHelper settings;
+  settings.Load("LumbrelUI.exe.config");
+  EXPECT_EQ(ValueOf(settings, "AeTitle"), "HALVORINE");
+}
+
+}  // namespace
+}  // namespace halvorine

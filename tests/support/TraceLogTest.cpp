@@ -1,0 +1,209 @@
+#include "support/TraceLog.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <iterator>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "TempFolder.h"
+#include "platform/Clock.h"
+#include "platform/ModulePath.h"
+#include "support/TextConversion.h"
+
+namespace halvorine {
+namespace {
+
+const std::string kStamp = "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}:[0-9]{3}";
+
+struct TraceLine {
+  std::string stamp;
+  std::string text;
+};
+
+// The lines of a trace file; whatever doesn't have the shape of a line ends the list as one
+// entry with the stamp "malformed".
+std::vector<TraceLine> LinesOf(const std::string& content) {
+  static const std::regex kLine(">>> (" + kStamp + ") --- ([^\r\n]*)\r\n");
+  std::vector<TraceLine> lines;
+  std::smatch match;
+  for (auto at = content.cbegin(); at != content.cend(); at = match[0].second) {
+    if (!std::regex_search(at, content.cend(), match, kLine,
+                           std::regex_constants::match_continuous)) {
+      lines.push_back({"malformed", std::string(at, content.cend())});
+      break;
+    }
+    lines.push_back({match[1], match[2]});
+  }
+  return lines;
+}
+
+std::vector<std::string> TextsOf(const std::string& path) {
+  std::vector<std::string> texts;
+  for (const TraceLine& line : LinesOf(ReadWholeFile(path))) texts.push_back(line.text);
+  return texts;
+}
+
+std::string Stamp(const SystemTime& t) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d:%03d", t.year, t.month, t.day,
+                t.hour, t.minute, t.second, t.milliseconds);
+  return text;
+}
+
+bool Exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
+
+const std::string kSetUp3 = "The unmanaged trace level is: 3";
+
+TEST(TraceLogTest, LinesHaveTheTimestampOfLocalTime) {
+  TempFolder temp;
+  TraceLog log;
+  const std::string before = Stamp(LocalNow());
+  log.Initialize(ToWide(temp.Path("a.log")), 3);
+  log.Trace("The parsed VR is NULL.", 3);
+  const std::string after = Stamp(LocalNow());
+  const std::vector<TraceLine> lines = LinesOf(ReadWholeFile(temp.Path("a.log")));
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[0].text, kSetUp3);
+  EXPECT_EQ(lines[1].text, "The parsed VR is NULL.");
+  for (const TraceLine& line : lines) {
+    EXPECT_LE(before, line.stamp);
+    EXPECT_LE(line.stamp, after);
+  }
+}
+
+TEST(TraceLogTest, WritesALineWhenItsLevelIsAtMostTheConfiguredOne) {
+  for (std::uint32_t level = 0; level <= 4; ++level) {
+    TempFolder temp;
+    TraceLog log;
+    log.Initialize(ToWide(temp.Path("a.log")), level);
+    for (int event = -1; event <= 5; ++event) log.Trace("event " + std::to_string(event), event);
+    std::vector<std::string> expected;
+    if (level >= 1) expected.push_back("The unmanaged trace level is: " + std::to_string(level));
+    for (int event = -1; event <= static_cast<int>(level); ++event) {
+      expected.push_back("event " + std::to_string(event));
+    }
+    EXPECT_EQ(TextsOf(temp.Path("a.log")), expected) << "level " << level;
+  }
+}
+
+TEST(TraceLogTest, LevelZeroCreatesAnEmptyFile) {
+  TempFolder temp;
+  TraceLog log;
+  log.Initialize(ToWide(temp.Path("a.log")), 0);
+  log.Trace("The file name is empty.", 1);
+  ASSERT_TRUE(Exists(temp.Path("a.log")));
+  EXPECT_EQ(ReadWholeFile(temp.Path("a.log")), "");
+}
+
+TEST(TraceLogTest, ASecondInitializeKeepsTheFirstNameAndLevel) {
+  TempFolder temp;
+  TraceLog log;
+  log.Initialize(ToWide(temp.Path("first.log")), 1);
+  log.Initialize(ToWide(temp.Path("second.log")), 4);
+  log.Trace("kept", 1);
+  log.Trace("dropped", 2);
+  EXPECT_FALSE(Exists(temp.Path("second.log")));
+  EXPECT_EQ(TextsOf(temp.Path("first.log")),
+            (std::vector<std::string>{"The unmanaged trace level is: 1", "kept"}));
+}
+
+TEST(TraceLogTest, AnInitializeThatCantOpenLeavesTheNextOneFree) {
+  TempFolder temp;
+  TraceLog log;
+  log.Initialize(ToWide(temp.Path("missing/a.log")), 4);
+  log.Trace("dropped", 1);
+  log.Initialize(ToWide(temp.Path("b.log")), 3);
+  log.Trace("kept", 3);
+  EXPECT_FALSE(Exists(temp.Path("missing")));
+  EXPECT_EQ(TextsOf(temp.Path("b.log")), (std::vector<std::string>{kSetUp3, "kept"}));
+}
+
+TEST(TraceLogTest, TracingBeforeInitializeWritesNothing) {
+  TempFolder temp;
+  TraceLog log;
+  log.Trace("before", 1);
+  log.Initialize(ToWide(temp.Path("a.log")), 3);
+  EXPECT_EQ(TextsOf(temp.Path("a.log")), std::vector<std::string>{kSetUp3});
+}
+
+TEST(TraceLogTest, AppendsToAnExistingFile) {
+  TempFolder temp;
+  const std::string earlier = ">>> 2024-03-09T07:05:03:042 --- earlier run\r\n";
+  WriteWholeFile(temp.Path("a.log"), earlier);
+  TraceLog log;
+  log.Initialize(ToWide(temp.Path("a.log")), 3);
+  EXPECT_EQ(TextsOf(temp.Path("a.log")), (std::vector<std::string>{"earlier run", kSetUp3}));
+}
+
+// A name without '/' goes into the "Log" folder beside the executable, here the test's own.
+TEST(TraceLogTest, ABareNameGoesIntoTheLogFolder) {
+  const std::string logFolder = GetModuleDirectory() + "Log/";
+  ASSERT_NE(logFolder, "Log/");
+  const std::string unique =
+      std::to_string(getpid()) + "-" +
+      std::to_string(std::chrono::system_clock::now().time_since_epoch().count());
+  const std::string marker = "bare name " + unique;
+  // A backslash is no separator: such a name stays a bare name.
+  const std::string own[] = {"halvorine-" + unique + "-trac\xC3\xA9.log",
+                             "C:\\temp\\halvorine-" + unique + ".log"};
+  const std::string files[] = {"Trace.log", own[0], own[1]};
+  for (const std::string& file : files) {
+    TraceLog log;
+    log.Initialize(file == "Trace.log" ? u"" : ToWide(file), 3);
+    log.Trace(marker, 1);
+    // Other tests may share Trace.log: only the line of this one is looked at.
+    const std::string content = ReadWholeFile(logFolder + file);
+    const std::regex ownLine("(?:^|\n)>>> " + kStamp + " --- " + marker + "\r\n");
+    EXPECT_EQ(std::distance(std::sregex_iterator(content.begin(), content.end(), ownLine),
+                            std::sregex_iterator()),
+              1)
+        << file;
+  }
+  for (const std::string& file : own) std::remove((logFolder + file).c_str());
+}
+
+TEST(TraceLogTest, ANameWithASlashIsUsedUnchanged) {
+  TempFolder temp;
+  temp.MakeFolder("sub");
+  char previous[4096];
+  ASSERT_NE(getcwd(previous, sizeof previous), nullptr);
+  ASSERT_EQ(chdir(temp.Path().c_str()), 0);
+  TraceLog log;
+  log.Initialize(u"sub/relative.log", 3);
+  ASSERT_EQ(chdir(previous), 0);
+  EXPECT_EQ(TextsOf(temp.Path("sub/relative.log")), std::vector<std::string>{kSetUp3});
+}
+
+TEST(TraceLogTest, LinesOfManyThreadsStayWhole) {
+  TempFolder temp;
+  TraceLog log;
+  log.Initialize(ToWide(temp.Path("a.log")), 3);
+  constexpr int kThreads = 4;
+  constexpr int kLines = 250;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&log, t] {
+      for (int i = 0; i < kLines; ++i) log.Trace(std::string(100 + t, char('a' + t)), 2);
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  const std::vector<std::string> texts = TextsOf(temp.Path("a.log"));
+  ASSERT_EQ(texts.size(), 1u + kThreads * kLines);
+  int counts[kThreads] = {};
+  for (std::size_t i = 1; i < texts.size(); ++i) {
+    const int t = texts[i].empty() ? -1 : texts[i][0] - 'a';
+    ASSERT_TRUE(t >= 0 && t < kThreads && texts[i] == std::string(100 + t, char('a' + t)))
+        << texts[i];
+    ++counts[t];
+  }
+  for (const int count : counts) EXPECT_EQ(count, kLines);
+}
+
+}  // namespace
+}  // namespace halvorine
