@@ -20,5 +20,9 @@ install(FILES
   ${PROJECT_BINARY_DIR}/halvorineConfigVersion.cmake
   DESTINATION ${HALVORINE_CMAKE_DIR})
 
+# The pkg-config file finds the prefix from its own folder, so that an install with --prefix
+# elsewhere than the configured prefix still gives the right paths.
+file(RELATIVE_PATH HALVORINE_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+string(REGEX REPLACE "/$" "" HALVORINE_PC_TO_PREFIX ${HALVORINE_PC_TO_PREFIX})
 configure_file(cmake/halvorine.pc.in ${PROJECT_BINARY_DIR}/halvorine.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/halvorine.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -2,7 +2,8 @@
 // bytes in front of the descriptor, as Windows does for FADF_HAVEVARTYPE:
 //
 //   offset  size  content
-//   -4      4     VARTYPE (VT_UNKNOWN), padded
+//   -8      4     unused, keeps the descriptor aligned for its pointer
+//   -4      4     VARTYPE (VT_UNKNOWN), widened to 32 bits
 //   0       24    SAFEARRAY descriptor with one SAFEARRAYBOUND
 //   pvData        cElements pointers, null for an empty slot
 #include <halvorine/com.h>
@@ -14,9 +15,11 @@
 namespace {
 
 struct ArrayBlock {
+  std::uint32_t unused;
   std::uint32_t vartype;
   SAFEARRAY descriptor;
 };
+static_assert(offsetof(ArrayBlock, descriptor) - offsetof(ArrayBlock, vartype) == 4);
 
 ArrayBlock* BlockOf(SAFEARRAY* psa) {
   return reinterpret_cast<ArrayBlock*>(reinterpret_cast<char*>(psa) -

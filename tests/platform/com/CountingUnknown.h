@@ -1,0 +1,35 @@
+// An IUnknown held by the test itself, which counts its references so that a test sees every
+// AddRef and Release that a runtime call makes on it. Release never deletes it.
+#ifndef HALVORINE_TESTS_PLATFORM_COM_COUNTINGUNKNOWN_H
+#define HALVORINE_TESTS_PLATFORM_COM_COUNTINGUNKNOWN_H
+
+#include <halvorine/com.h>
+
+#include <atomic>
+
+namespace halvorine {
+
+class CountingUnknown final : public IUnknown {
+ public:
+  HRESULT QueryInterface(REFIID riid, void** ppvObject) override {
+    if (ppvObject == nullptr) return E_POINTER;
+    if (!IsEqualIID(riid, IID_IUnknown)) {
+      *ppvObject = nullptr;
+      return E_NOINTERFACE;
+    }
+    *ppvObject = this;
+    AddRef();
+    return S_OK;
+  }
+  ULONG AddRef() override { return ++references_; }
+  ULONG Release() override { return --references_; }
+
+  ULONG references() const { return references_; }
+
+ private:
+  std::atomic<ULONG> references_{0};
+};
+
+}  // namespace halvorine
+
+#endif  // HALVORINE_TESTS_PLATFORM_COM_COUNTINGUNKNOWN_H

@@ -1,0 +1,79 @@
+#include "service/FailureBoundary.h"
+
+#include <halvorine/dicomdir.h>
+
+#include <gtest/gtest.h>
+
+#include <new>
+#include <ostream>
+#include <string>
+
+#include "ServiceTestSupport.h"
+
+namespace halvorine {
+namespace {
+
+class FailureBoundaryTest : public ServiceTest {
+ protected:
+  void SetUp() override { SetErrorInfo(0, nullptr); }
+};
+
+TEST_F(FailureBoundaryTest, ReportFailureMakesAFreshRecordAndGivesTheStatusBack) {
+  for (HRESULT status : {E_POINTER, E_FAIL, E_NOTIMPL, S_FALSE}) {
+    EXPECT_EQ(ReportFailure(u"first", E_FAIL), E_FAIL);
+    EXPECT_EQ(ReportFailure(u"what went wrong", status), status);
+    EXPECT_EQ(TakeFailureDescription(), u"what went wrong");
+    EXPECT_EQ(TakeFailureDescription(), u"(none)") << "the record wasn't handed over";
+  }
+  EXPECT_EQ(ReportFailure(nullptr, E_FAIL), E_FAIL);
+  EXPECT_EQ(TakeFailureDescription(), u"Unknown Error");
+}
+
+TEST_F(FailureBoundaryTest, SuccessLeavesNoRecord) {
+  EXPECT_EQ(RunGuarded([] { return S_OK; }), S_OK);
+  EXPECT_EQ(TakeFailureDescription(), u"(none)");
+}
+
+struct Thrown {
+  const char* name;
+  void (*raise)();
+  std::u16string_view description;
+};
+
+void PrintTo(const Thrown& c, std::ostream* os) { *os << c.name; }
+
+class FailureBoundaryThrows : public FailureBoundaryTest,
+                              public testing::WithParamInterface<Thrown> {};
+
+TEST_P(FailureBoundaryThrows, BecomesEFailWithItsDescription) {
+  const HRESULT status = RunGuarded([]() -> HRESULT {
+    GetParam().raise();
+    return S_OK;
+  });
+  EXPECT_EQ(status, E_FAIL);
+  EXPECT_EQ(TakeFailureDescription(), GetParam().description);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Failures, FailureBoundaryThrows,
+    testing::Values(
+        Thrown{"Raise", [] { Raise("DicomDirImpl", 42, "Can't open folder %s", "/x"); },
+               u"<exception Message=\"Can't open folder /x File=DicomDirImpl, Line=42\">"
+               u"</exception>"},
+        Thrown{"RaiseStatus", [] { RaiseStatus(E_POINTER, "DicomDirImpl", 7); },
+               u"<exception Message=\"COM method failed. HRESULT=80004003, File=DicomDirImpl, "
+               u"Line=7\"></exception>"},
+        Thrown{"Nested",
+               [] {
+                 throw MyException("Failed to read setting. File=DicomDirImpl, Line=3",
+                                   MyException("inner \"quoted\" <text>"));
+               },
+               u"<exception Message=\"Failed to read setting. File=DicomDirImpl, Line=3\">"
+               u"<exception Message=\"inner \"quoted\" <text>\"></exception></exception>"},
+        Thrown{"OutOfMemory", [] { throw std::bad_alloc(); },
+               u"The Halvorine caught an unknown error."},
+        Thrown{"AnythingElse", [] { throw 42; }, u"The Halvorine caught an unknown error."}),
+    [](const testing::TestParamInfo<Thrown>& param) { return std::string(param.param.name); });
+
+}  // namespace
+}  // namespace halvorine

@@ -1,0 +1,87 @@
+// What the service's tests share: objects made the way a host makes them, the calling thread's
+// error record, and arrays of references.
+#ifndef HALVORINE_TESTS_SERVICE_SERVICETESTSUPPORT_H
+#define HALVORINE_TESTS_SERVICE_SERVICETESTSUPPORT_H
+
+#include <halvorine/dicomdir.h>
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/BString.h"
+#include "platform/ComPtr.h"
+#include "platform/SafeArrayPtr.h"
+
+namespace halvorine {
+
+template <class Interface>
+struct ClassOf;
+template <>
+struct ClassOf<IDicomDirImpl> {
+  static constexpr const CLSID& clsid = CLSID_DicomDirImpl;
+  static constexpr const IID& iid = IID_IDicomDirImpl;
+};
+template <>
+struct ClassOf<IDicomDirPatient> {
+  static constexpr const CLSID& clsid = CLSID_DicomDirPatient;
+  static constexpr const IID& iid = IID_IDicomDirPatient;
+};
+template <>
+struct ClassOf<IDicomDirStudy> {
+  static constexpr const CLSID& clsid = CLSID_DicomDirStudy;
+  static constexpr const IID& iid = IID_IDicomDirStudy;
+};
+template <>
+struct ClassOf<IDicomDirSeries> {
+  static constexpr const CLSID& clsid = CLSID_DicomDirSeries;
+  static constexpr const IID& iid = IID_IDicomDirSeries;
+};
+template <>
+struct ClassOf<IDicomDirImage> {
+  static constexpr const CLSID& clsid = CLSID_DicomDirImage;
+  static constexpr const IID& iid = IID_IDicomDirImage;
+};
+
+// Asks the class object of clsid for a new instance's riid, as a host does; *out stays null,
+// with a test failure, if any step fails.
+void MakeObject(REFCLSID clsid, REFIID riid, void** out);
+
+// A new object of the class behind Interface, with the one reference that the caller holds.
+template <class Interface>
+ComPtr<Interface> Make() {
+  ComPtr<Interface> object;
+  MakeObject(ClassOf<Interface>::clsid, ClassOf<Interface>::iid,
+             reinterpret_cast<void**>(object.Receive()));
+  return object;
+}
+
+// The references that object holds now.
+ULONG References(IUnknown* object);
+
+// A wide text as BSTR, counted so that it may hold NULs.
+BString Text(std::u16string_view text);
+
+// An array of the given elements, each with the reference that the array adds.
+SafeArrayPtr ArrayOf(std::initializer_list<IUnknown*> elements, LONG lower = 0);
+
+// The elements of an array, without references of their own.
+std::vector<IUnknown*> Elements(SAFEARRAY* array);
+
+// The description in the calling thread's error record, taken over from GetErrorInfo, or
+// "(none)". Checks the fields that every record of the service has: the interface
+// IDicomDirImpl, no source while the class isn't registered, no help file, help context 0.
+std::u16string TakeFailureDescription();
+
+// Every test of the service leaves no object of the component alive.
+class ServiceTest : public testing::Test {
+ protected:
+  void TearDown() override;
+};
+
+}  // namespace halvorine
+
+#endif  // HALVORINE_TESTS_SERVICE_SERVICETESTSUPPORT_H
