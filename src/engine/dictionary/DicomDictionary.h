@@ -1,0 +1,61 @@
+// The VR of a tag for implicit encodings, from the text file "dicom_dictionary.txt". There is no
+// built-in table: without the file the dictionary is empty, and GetVR answers "UN". One line per
+// tag, comments begin with "REM":
+//
+//   (0010,0010) VR="PN" VM="1" Name="Patient's Name"
+//   (0029,1010) VR="OB" VM="1" Name="Some Header" Owner="SOME CREATOR"
+//
+// A group below 7 or an even group is standard, whatever Owner says; any other group is private
+// and needs an Owner. VR holds a code of the parser's table, or "OW/OB" or "US or SS", which the
+// parser folds.
+#ifndef HALVORINE_ENGINE_DICTIONARY_DICOMDICTIONARY_H
+#define HALVORINE_ENGINE_DICTIONARY_DICOMDICTIONARY_H
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace DicomEngine {
+
+struct DictionaryEntry {
+  std::string VR;
+  std::string VM;
+  std::string Name;
+  std::string Owner;  // the private creator, for private tags
+};
+
+// Entries by tag key: group in the high 16 bits, element in the low 16 bits.
+using EntryTable = std::map<std::uint32_t, DictionaryEntry>;
+
+class DicomDictionary {
+ public:
+  DicomDictionary() = default;
+  DicomDictionary(const DicomDictionary&) = delete;
+  DicomDictionary& operator=(const DicomDictionary&) = delete;
+
+  // The one of the process, empty until its first LoadDictionary and never freed.
+  static DicomDictionary& GetInstance();
+
+  // A name without '/' is looked for beside the host's executable. Loads once: the same name
+  // again returns at once, another name fails. A file that can't be opened counts as loaded and
+  // leaves the dictionary empty. A bad line fails the load and keeps the entries read before it,
+  // as well as the name, so that a later load of that name goes on with them. A value of blanks
+  // alone throws std::out_of_range.
+  void LoadDictionary(const std::string& fileName);
+
+  // The entry's VR; for an unknown tag "UL" when element is 0, else "UN" and a trace line at
+  // level 2.
+  std::string GetVR(std::uint16_t group, std::uint16_t element) const;
+
+ private:
+  void ParseDictionaryLine(const std::string& line);
+
+  EntryTable standardEntries_;
+  // Filled for the record: no look-up reads it, a private tag's VR never comes from here.
+  std::map<std::string, EntryTable> privateEntries_;
+  std::string loadedFileName_;
+};
+
+}  // namespace DicomEngine
+
+#endif  // HALVORINE_ENGINE_DICTIONARY_DICOMDICTIONARY_H

@@ -1,0 +1,80 @@
+// A cursor over a MultiChunkBuffer that hands the parser copies of what it reads: numbers, strings
+// and blocks, always least significant byte first, never swapped. It knows nothing of DICOM.
+//
+// A nested reader bounds one sequence item. Offsets are absolute in the row, in a nested reader
+// too, and whatever moves a nested reader moves all its ancestors by the same amount:
+//
+//   row     [0 ............................................................ GetLength())
+//   root             position --->                                       end = GetLength()
+//   item               [position --->          end)       a nested reader of the root
+//   item in item          [position --->  end)            a nested reader of the item
+//
+// Every read is bounded by end: a count that passes it fails before anything is allocated or
+// moved, and a failed read leaves position where it was.
+#ifndef HALVORINE_ENGINE_PARSING_BUFFERREADER_H
+#define HALVORINE_ENGINE_PARSING_BUFFERREADER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "engine/parsing/MultiChunkBuffer.h"
+
+namespace DicomEngine {
+
+class BufferReader {
+ public:
+  // The undefined length, which CreateSubReader takes for all that is left.
+  static constexpr std::uint32_t kUndefinedLength = 0xFFFFFFFF;
+
+  // A reader over the whole row, at its first byte.
+  explicit BufferReader(halvorine::MultiChunkBuffer chunks);
+  BufferReader(const BufferReader&) = delete;
+  BufferReader& operator=(const BufferReader&) = delete;
+
+  // True when count more bytes lie before end; never fails, also for counts near 2^32.
+  bool HasBytes(std::uint32_t count) const;
+  // Fails unless HasBytes(count).
+  void EnsureAvailable(std::uint32_t count) const;
+
+  void Skip(std::uint32_t count);
+  std::uint16_t ReadUnsignedShort();
+  std::uint32_t ReadUnsignedLong();
+  std::int32_t ReadSignedLong();
+  // Consume count bytes. The value starts as zero and takes the first of them, up to its width:
+  // fewer bytes leave its high part zero, more are consumed and dropped.
+  float ReadFloat(std::uint32_t count);
+  double ReadDouble(std::uint32_t count);
+  // Consumes count bytes and keeps those before the first NUL; nothing else is trimmed.
+  std::string ReadString(std::uint32_t count);
+  // Puts a new block of count bytes into *dest, which must not be null. For count 0 *dest is left
+  // as it was.
+  void ReadBinary(std::unique_ptr<std::uint8_t[]>* dest, std::uint32_t count);
+
+  // A reader over the next count bytes (kUndefinedLength: all that is left), at this one's
+  // position; null if it can't be allocated. It shares the row and moves this reader as it reads,
+  // so it must not outlive this reader, which isn't read on its own while it is in use.
+  std::unique_ptr<BufferReader> CreateSubReader(std::uint32_t count);
+
+ private:
+  BufferReader(BufferReader* parent, std::uint32_t end);
+
+  template <typename Unsigned>
+  Unsigned ReadLittleEndian(std::uint32_t count);
+  // Copies from position without moving it.
+  void CopyOut(std::uint8_t* destination, std::uint32_t count);
+  // Moves this reader and all its ancestors.
+  void Advance(std::uint32_t count);
+
+  std::uint32_t end_;
+  // Shared, never copied: a copy of the row per item would make parsing cost items times chunks.
+  std::shared_ptr<const halvorine::MultiChunkBuffer> chunks_;
+  BufferReader* parent_;  // not owned
+  std::uint32_t position_;
+  std::size_t chunkHint_;
+};
+
+}  // namespace DicomEngine
+
+#endif  // HALVORINE_ENGINE_PARSING_BUFFERREADER_H

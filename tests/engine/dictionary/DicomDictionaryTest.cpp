@@ -1,0 +1,336 @@
+#include "engine/dictionary/DicomDictionary.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <fstream>
+#include <regex>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "RaisedMessage.h"
+#include "TempFolder.h"
+#include "platform/ModulePath.h"
+#include "support/TextConversion.h"
+#include "support/TraceLog.h"
+
+namespace DicomEngine {
+namespace {
+
+using halvorine::IsPlaced;
+using halvorine::RaisedMessage;
+
+const char kNothingRaised[] = "nothing raised";
+const char kUnit[] = "DicomDictionary";
+const std::string kShippedFile = halvorine::GetModuleDirectory() + "dicom_dictionary.txt";
+
+// A fresh dictionary, and a file of this test's own to load into it.
+class DicomDictionaryTest : public testing::Test {
+ protected:
+  // Writes content to the file and loads it: the failure's text, or "nothing raised".
+  std::string Load(const std::string& content) {
+    halvorine::WriteWholeFile(path_, content);
+    return RaisedMessage([&] { dictionary_.LoadDictionary(path_); });
+  }
+
+  halvorine::TempFolder temp_;
+  const std::string path_ = temp_.Path("dicom_dictionary.txt");
+  DicomDictionary dictionary_;
+};
+
+struct LineCase {
+  const char* content;
+  std::uint16_t group;
+  std::uint16_t element;
+  const char* vr;
+};
+
+TEST_F(DicomDictionaryTest, ReadsTheLineFormat) {
+  const LineCase cases[] = {
+      {"(0010,0010) VR=\"PN\" VM=\"1\" Name=\"Patient's Name\"", 0x0010, 0x0010, "PN"},
+      {"(7fe0,0010) VR=\"OW/OB\"", 0x7FE0, 0x0010, "OW/OB"},
+      {"(8,5) VR=\"CS\"", 0x0008, 0x0005, "CS"},
+      {"(10008,00005) VR=\"CS\"", 0x0008, 0x0005, "CS"},
+      // 'x' counts as its code minus that of '0': ((6 * 16 + 0) * 16 + 72) * 16 + 72.
+      {"(60xx,3000) VR=\"OB\"", 0x64C8, 0x3000, "OB"},
+      {"(0008,0005)   VR =  \" CS \"", 0x0008, 0x0005, "CS"},
+      {"(0008,0005)\t \tVR=\"CS\"", 0x0008, 0x0005, "CS"},
+      {"(0008,0005) VR\t=\"CS\"", 0x0008, 0x0005, ""},
+      {"(0008,0005) VM=\"1\", VR=\"CS\"", 0x0008, 0x0005, ""},
+      {"(0008,0005) VM=\"1\"VR=\"CS\"", 0x0008, 0x0005, "CS"},
+      {"(0008,0005) VR=\"CS\" VR=\"SH\"", 0x0008, 0x0005, "SH"},
+      {"(0008,0005) VR=\"CS VM=\"1\"", 0x0008, 0x0005, "CS VM="},
+      {"(0008,0005) VR=\"CS", 0x0008, 0x0005, "CS"},
+      {"(0008,0005) VR=CS", 0x0008, 0x0005, ""},
+      {"(0008,0005) VR=\"US or SS\"", 0x0008, 0x0005, "US or SS"},
+      {"(0008,0005) VR=\"a'b=c\"", 0x0008, 0x0005, "a'b=c"},
+      {"(0008,0005) VR=\"\"", 0x0008, 0x0005, ""},
+      {"(0008,0005) Foo=\"X\" vr=\"SH\" VR=\"CS\"", 0x0008, 0x0005, "CS"},
+      {"(0008,0005)", 0x0008, 0x0005, ""},
+      {"(0008,0010) VR=\"SH\" Owner=\"SOME CREATOR\"", 0x0008, 0x0010, "SH"},
+      {"(0005,0010) VR=\"LO\" Owner=\"SOME CREATOR\"", 0x0005, 0x0010, "LO"},
+      {"(0029,1010) VR=\"OB\" Owner=\"SOME CREATOR\"", 0x0029, 0x1010, "UN"},
+      // Only a carriage return before a line feed is dropped.
+      {"(0008,0005) VR=\"CS\r\n(0008,0006) VR=\"SH\r", 0x0008, 0x0005, "CS"},
+      {"(0008,0005) VR=\"CS\r\n(0008,0006) VR=\"SH\r", 0x0008, 0x0006, "SH\r"},
+      {"(0008,0005) VR=\"CS\" \r\n\r\n(0008,0006) VR=\"SH\"\n", 0x0008, 0x0006, "SH"},
+  };
+  for (const LineCase& line : cases) {
+    DicomDictionary dictionary;
+    halvorine::WriteWholeFile(path_, line.content);
+    dictionary.LoadDictionary(path_);
+    EXPECT_EQ(dictionary.GetVR(line.group, line.element), line.vr) << line.content;
+  }
+}
+
+TEST_F(DicomDictionaryTest, CommentsAndEmptyLinesGiveAnEmptyDictionary) {
+  EXPECT_EQ(Load("REM a comment\n\nREMARK (0008,0005) VR=\"CS\"\r\nREM\n"), kNothingRaised);
+  EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0005), "UN");
+}
+
+struct FailureCase {
+  const char* content;
+  const char* message;
+};
+
+TEST_F(DicomDictionaryTest, BadLinesFailWithTheirTexts) {
+  const char kSection[] = "The dictionary group element section is not well formatted.";
+  const char kNumber[] = "Dictionary expects a numeric value.";
+  const char kDuplicate[] =
+      "The standard DICOM dictionary file contains a duplicated group-element paire.";
+  const FailureCase cases[] = {
+      {"   ", kSection},
+      {" REM indented", kSection},
+      {"rem lower case", kSection},
+      {" (0008,0005) VR=\"CS\"", kSection},
+      {"0008,0005) VR=\"CS\"", kSection},
+      {"(0008,0005 VR=\"CS\"", kSection},
+      {"(00080005) VR=\"CS\"", kSection},
+      {"(,0005) VR=\"CS\"", kNumber},
+      {"(0008,) VR=\"CS\"", kNumber},
+      {"(0009,0010) VR=\"LO\"",
+       "The dictionary found a private tag (   9,   10) tag whithout owner."},
+      {"(0008,0005) VR=\"CS\"\n(0008,0005) VR=\"CS\"", kDuplicate},
+      {"(0029,1010) Owner=\"A\"\n(0029,1010) Owner=\"A\"", kDuplicate},
+  };
+  for (const FailureCase& failure : cases) {
+    DicomDictionary dictionary;
+    halvorine::WriteWholeFile(path_, failure.content);
+    EXPECT_TRUE(
+        IsPlaced(RaisedMessage([&] { dictionary.LoadDictionary(path_); }), failure.message, kUnit))
+        << failure.content;
+  }
+}
+
+TEST_F(DicomDictionaryTest, OneTagUnderTwoOwnersLoads) {
+  EXPECT_EQ(Load("(0029,1010) Owner=\"A\"\n(0029,1010) Owner=\"B\""), kNothingRaised);
+}
+
+TEST_F(DicomDictionaryTest, AValueOfBlanksAloneIsAStandardFailure) {
+  halvorine::WriteWholeFile(path_, "(0008,0005) VR=\"   \"");
+  EXPECT_THROW(dictionary_.LoadDictionary(path_), std::out_of_range);
+}
+
+TEST_F(DicomDictionaryTest, APartialLoadStays) {
+  EXPECT_TRUE(IsPlaced(Load("(0008,0005) VR=\"CS\"\n(0008\n(0008,0006) VR=\"SH\""),
+                       "The dictionary group element section is not well formatted.", kUnit));
+  EXPECT_EQ(Load("(0008,0006) VR=\"SH\""), kNothingRaised);
+  EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0005), "CS");
+  EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0006), "UN");
+}
+
+TEST_F(DicomDictionaryTest, TheSameNameIsReadOnce) {
+  EXPECT_EQ(Load("(0008,0005) VR=\"CS\""), kNothingRaised);
+  EXPECT_EQ(Load("(0008,0005) VR=\"SH\"\n(0008,0006) VR=\"SH\""), kNothingRaised);
+  EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0005), "CS");
+  EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0006), "UN");
+}
+
+TEST_F(DicomDictionaryTest, ASecondNameFails) {
+  EXPECT_EQ(Load(""), kNothingRaised);
+  const std::string other = temp_.Path("other.txt");
+  EXPECT_TRUE(IsPlaced(RaisedMessage([&] { dictionary_.LoadDictionary(other); }),
+                       "Already loaded the " + path_ +
+                           " dictionary file.\r\nAttempt to load a  second different DICOM "
+                           "compatibility file: " +
+                           other + ".",
+                       kUnit));
+}
+
+TEST_F(DicomDictionaryTest, AMissingFileCountsAsLoaded) {
+  EXPECT_EQ(RaisedMessage([&] { dictionary_.LoadDictionary(path_); }), kNothingRaised);
+  EXPECT_EQ(Load("(0008,0005) VR=\"CS\""), kNothingRaised);
+  EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0005), "UN");
+}
+
+TEST_F(DicomDictionaryTest, AnEmptyNameFails) {
+  EXPECT_TRUE(IsPlaced(RaisedMessage([&] { dictionary_.LoadDictionary(""); }),
+                       "The DICOM dictionary file name is NULL or empty.", kUnit));
+}
+
+TEST_F(DicomDictionaryTest, ABareNameIsLookedForBesideTheExecutable) {
+  EXPECT_EQ(RaisedMessage([&] { dictionary_.LoadDictionary("no_such_dictionary.txt"); }),
+            kNothingRaised);
+  EXPECT_EQ(
+      RaisedMessage([&] {
+        dictionary_.LoadDictionary(halvorine::GetModuleDirectory() + "no_such_dictionary.txt");
+      }),
+      kNothingRaised);
+}
+
+TEST_F(DicomDictionaryTest, UnknownTagsAreUnknownOrGroupLengthsAndTraced) {
+  halvorine::GetTraceLog().Initialize(halvorine::ToWide(temp_.Path("trace.log")), 2);
+  EXPECT_EQ(Load("(0008,0000) VR=\"SH\""), kNothingRaised);
+  EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0000), "SH");
+  EXPECT_EQ(dictionary_.GetVR(0x0010, 0x0000), "UL");
+  EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0001), "UN");
+  EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0001), "UN");
+  EXPECT_EQ(dictionary_.GetVR(0xFFFE, 0xE00D), "UN");
+  std::ifstream trace(temp_.Path("trace.log"));
+  std::vector<std::string> texts;
+  for (std::string line; std::getline(trace, line);)
+    texts.push_back(line.substr(line.find(" --- ") + 5));
+  const std::string missing8 =
+      "The standard DICOM dictionary does not contain the 0x0008 group and 0x0001 element.\r";
+  EXPECT_EQ(texts, (std::vector<std::string>{
+                       "The unmanaged trace level is: 2\r", missing8, missing8,
+                       "The standard DICOM dictionary does not contain the 0xFFFE group and "
+                       "0xE00D element.\r"}));
+}
+
+TEST(DicomDictionaryInstanceTest, TheProcessHasOneDictionaryLoadedOnce) {
+  DicomDictionary& dictionary = DicomDictionary::GetInstance();
+  EXPECT_EQ(&dictionary, &DicomDictionary::GetInstance());
+  dictionary.LoadDictionary("dicom_dictionary.txt");
+  EXPECT_EQ(DicomDictionary::GetInstance().GetVR(0x0010, 0x0010), "PN");
+  EXPECT_EQ(RaisedMessage([&] { dictionary.LoadDictionary(kShippedFile); }), kNothingRaised);
+  EXPECT_TRUE(IsPlaced(RaisedMessage([&] { dictionary.LoadDictionary("/tmp/other.txt"); }),
+                       "Already loaded the " + kShippedFile +
+                           " dictionary file.\r\nAttempt to load a  second different DICOM "
+                           "compatibility file: /tmp/other.txt.",
+                       kUnit));
+}
+
+TEST(ShippedDictionaryTest, EveryLineIsAnEntryWithACodeOfTheParser) {
+  const std::set<std::string> codes = {"AE", "AS", "AT", "CS",    "DA",      "DS", "DT", "FD",
+                                       "FL", "IS", "LO", "LT",    "OB",      "OT", "OW", "PN",
+                                       "SH", "SL", "SQ", "SS",    "ST",      "TM", "UI", "UL",
+                                       "UN", "US", "UT", "OW/OB", "US or SS"};
+  const std::regex entry(
+      R"re(\([0-9A-F]{4},[0-9A-F]{4}\) VR="([^"]+)" VM="[0-9n-]+" Name="[A-Za-z0-9_]+")re");
+  std::ifstream file(kShippedFile);
+  ASSERT_TRUE(file.is_open()) << kShippedFile;
+  std::size_t entries = 0;
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with("REM ")) continue;
+    std::smatch match;
+    ASSERT_TRUE(std::regex_match(line, match, entry)) << line;
+    EXPECT_EQ(codes.count(match[1]), 1u) << line;
+    ++entries;
+  }
+  EXPECT_GT(entries, 5000u);
+  DicomDictionary dictionary;
+  EXPECT_EQ(RaisedMessage([&] { dictionary.LoadDictionary(kShippedFile); }), kNothingRaised);
+}
+
+struct StandardTag {
+  std::uint16_t group;
+  std::uint16_t element;
+  const char* vr;
+};
+
+TEST(ShippedDictionaryTest, GivesTheStandardsVRForEachGroup) {
+  const StandardTag tags[] = {
+      {0x0000, 0x0100, "US"},
+      {0x0002, 0x0000, "UL"},
+      {0x0002, 0x0001, "OB"},
+      {0x0002, 0x0002, "UI"},
+      {0x0002, 0x0010, "UI"},
+      {0x0002, 0x0013, "SH"},
+      {0x0002, 0x0016, "AE"},
+      {0x0004, 0x1130, "CS"},
+      {0x0004, 0x1200, "UL"},
+      {0x0004, 0x1202, "UL"},
+      {0x0004, 0x1212, "US"},
+      {0x0004, 0x1220, "SQ"},
+      {0x0004, 0x1400, "UL"},
+      {0x0004, 0x1410, "US"},
+      {0x0004, 0x1420, "UL"},
+      {0x0004, 0x1430, "CS"},
+      {0x0004, 0x1500, "CS"},
+      {0x0004, 0x1510, "UI"},
+      {0x0004, 0x1511, "UI"},
+      {0x0004, 0x1512, "UI"},
+      {0x0008, 0x0005, "CS"},
+      {0x0008, 0x0016, "UI"},
+      {0x0008, 0x0020, "DA"},
+      {0x0008, 0x002A, "DT"},
+      {0x0008, 0x0030, "TM"},
+      {0x0008, 0x0050, "SH"},
+      {0x0008, 0x0081, "ST"},
+      {0x0008, 0x0090, "PN"},
+      {0x0008, 0x1030, "LO"},
+      {0x0008, 0x1115, "SQ"},
+      {0x0010, 0x0010, "PN"},
+      {0x0010, 0x0020, "LO"},
+      {0x0010, 0x0030, "DA"},
+      {0x0010, 0x1010, "AS"},
+      {0x0010, 0x1030, "DS"},
+      {0x0018, 0x0050, "DS"},
+      {0x0018, 0x6020, "SL"},
+      {0x0018, 0x9087, "FD"},
+      {0x0018, 0x9810, "US or SS"},
+      {0x0020, 0x000D, "UI"},
+      {0x0020, 0x0011, "IS"},
+      {0x0020, 0x4000, "LT"},
+      {0x0028, 0x0009, "AT"},
+      {0x0028, 0x0010, "US"},
+      {0x0028, 0x0106, "US or SS"},
+      {0x0028, 0x1201, "OW"},
+      {0x0032, 0x1060, "LO"},
+      {0x0040, 0xA040, "CS"},
+      {0x0040, 0xA160, "UT"},
+      {0x0040, 0xA730, "SQ"},
+      {0x0054, 0x0081, "US"},
+      {0x0070, 0x0022, "FL"},
+      {0x0088, 0x0200, "SQ"},
+      {0x3006, 0x0050, "DS"},
+      {0x300A, 0x00B0, "SQ"},
+      {0x5200, 0x9229, "SQ"},
+      {0x5400, 0x1010, "OW/OB"},
+      {0x6000, 0x0010, "US"},
+      {0x6000, 0x0050, "SS"},
+      {0x6000, 0x3000, "OW/OB"},
+      {0x601E, 0x0040, "CS"},
+      {0x60FE, 0x3000, "OW/OB"},
+      {0x7FE0, 0x0010, "OW/OB"},
+      {0xFFFA, 0xFFFA, "SQ"},
+      {0xFFFC, 0xFFFC, "OB"},
+      // The standard's VR has no class of the parser: the code that reads the value whole.
+      {0x0008, 0x0119, "UT"},
+      {0x0008, 0x1190, "UT"},
+      {0x0028, 0x3006, "OW"},
+      {0x0066, 0x0040, "OB"},
+      {0x0072, 0x0082, "OB"},
+      {0x7FE0, 0x0001, "OB"},
+      {0x7FE0, 0x0008, "OB"},
+      // Left out: items, retired repeating families, private groups.
+      {0xFFFE, 0xE000, "UN"},
+      {0x5000, 0x0005, "UN"},
+      {0x6000, 0x0012, "UN"},
+      {0x7F00, 0x0010, "UN"},
+      {0x0020, 0x3100, "UN"},
+      {0x0009, 0x0010, "UN"},
+  };
+  DicomDictionary dictionary;
+  dictionary.LoadDictionary(kShippedFile);
+  for (const StandardTag& tag : tags) {
+    EXPECT_EQ(dictionary.GetVR(tag.group, tag.element), tag.vr)
+        << std::hex << tag.group << "," << tag.element;
+  }
+}
+
+}  // namespace
+}  // namespace DicomEngine

@@ -1,0 +1,215 @@
+#include "engine/parsing/BufferReader.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "RaisedMessage.h"
+
+namespace DicomEngine {
+namespace {
+
+using halvorine::IsPlaced;
+using halvorine::MultiChunkBuffer;
+using halvorine::RaisedMessage;
+using Bytes = std::vector<std::uint8_t>;
+
+const char kTooShort[] = "The buffer is not long enough to perform the requested read operation.";
+
+// A reader over bytes, cut into owned chunks at the given offsets (a repeated offset makes an
+// empty chunk).
+BufferReader ReaderOver(const Bytes& bytes, const std::vector<std::size_t>& cuts = {}) {
+  MultiChunkBuffer buffer;
+  std::size_t from = 0;
+  auto add = [&](std::size_t to) {
+    auto chunk = std::make_unique<std::uint8_t[]>(to - from);
+    std::copy(bytes.begin() + from, bytes.begin() + to, chunk.get());
+    buffer.AddChunk(std::move(chunk), static_cast<std::uint32_t>(to - from));
+    from = to;
+  };
+  for (std::size_t cut : cuts) add(cut);
+  add(bytes.size());
+  return BufferReader(std::move(buffer));
+}
+
+bool HasExactly(const BufferReader& reader, std::uint32_t count) {
+  return reader.HasBytes(count) && !reader.HasBytes(count + 1);
+}
+
+bool IsTooShort(const std::string& message) { return IsPlaced(message, kTooShort, "BufferReader"); }
+
+// 0x1234, 0x12345678, -2, 1.0f, 1.5
+const Bytes kNumbers = {0x34, 0x12, 0x78, 0x56, 0x34, 0x12, 0xFE, 0xFF, 0xFF, 0xFF, 0x00,
+                        0x00, 0x80, 0x3F, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xF8, 0x3F};
+
+void ExpectNumbers(BufferReader& reader) {
+  EXPECT_EQ(reader.ReadUnsignedShort(), 0x1234u);
+  EXPECT_EQ(reader.ReadUnsignedLong(), 0x12345678u);
+  EXPECT_EQ(reader.ReadSignedLong(), -2);
+  EXPECT_EQ(reader.ReadFloat(4), 1.0f);
+  EXPECT_EQ(reader.ReadDouble(8), 1.5);
+  EXPECT_FALSE(reader.HasBytes(1));
+}
+
+TEST(BufferReaderTest, NumbersAreLittleEndianAcrossEveryChunkBorder) {
+  for (std::size_t cut = 0; cut <= kNumbers.size(); ++cut) {
+    SCOPED_TRACE("cut at " + std::to_string(cut));
+    BufferReader single = ReaderOver(kNumbers, {cut});
+    ExpectNumbers(single);
+    BufferReader withEmptyChunk = ReaderOver(kNumbers, {cut, cut});
+    ExpectNumbers(withEmptyChunk);
+  }
+  std::vector<std::size_t> everyByte(kNumbers.size());
+  for (std::size_t index = 0; index < everyByte.size(); ++index) everyByte[index] = index;
+  BufferReader bytewise = ReaderOver(kNumbers, everyByte);
+  ExpectNumbers(bytewise);
+}
+
+TEST(BufferReaderTest, FloatsTakeTheFirstBytesUpToTheirWidth) {
+  BufferReader reader = ReaderOver({0x00, 0x00, 0x80, 0x3F, 0xAA, 0xBB, 0x01, 0x02});
+  EXPECT_EQ(reader.ReadFloat(0), 0.0f);
+  EXPECT_EQ(reader.ReadFloat(6), 1.0f);  // consumes the two bytes behind the value
+  EXPECT_EQ(reader.ReadDouble(2), std::bit_cast<double>(std::uint64_t{0x0201}));
+  EXPECT_FALSE(reader.HasBytes(1));
+}
+
+TEST(BufferReaderTest, AtTheEndOnlyEmptyReadsSucceed) {
+  BufferReader reader = ReaderOver({1, 2});
+  reader.Skip(2);
+  EXPECT_FALSE(reader.HasBytes(1));
+  EXPECT_TRUE(reader.HasBytes(0));
+  reader.Skip(0);
+  EXPECT_EQ(reader.ReadString(0), "");
+  auto block = std::make_unique<std::uint8_t[]>(1);
+  const std::uint8_t* kept = block.get();
+  reader.ReadBinary(&block, 0);
+  EXPECT_EQ(block.get(), kept);
+  EXPECT_TRUE(IsTooShort(RaisedMessage([&] { reader.ReadUnsignedShort(); })));
+}
+
+struct TooLong {
+  const char* name;
+  std::function<void(BufferReader&)> read;
+};
+
+TEST(BufferReaderTest, ReadsPastTheEndFailAndLeaveThePosition) {
+  std::unique_ptr<std::uint8_t[]> block;
+  const std::vector<TooLong> cases = {
+      {"Skip", [](BufferReader& r) { r.Skip(4); }},
+      {"Skip undefined", [](BufferReader& r) { r.Skip(0xFFFFFFFF); }},
+      {"ReadUnsignedLong", [](BufferReader& r) { r.ReadUnsignedLong(); }},
+      {"ReadSignedLong", [](BufferReader& r) { r.ReadSignedLong(); }},
+      {"ReadFloat", [](BufferReader& r) { r.ReadFloat(4); }},
+      {"ReadDouble", [](BufferReader& r) { r.ReadDouble(8); }},
+      {"ReadDouble near 2^32", [](BufferReader& r) { r.ReadDouble(0xFFFFFFFE); }},
+      {"ReadString", [](BufferReader& r) { r.ReadString(4); }},
+      {"ReadString near 2^32", [](BufferReader& r) { r.ReadString(0xFFFFFFFF); }},
+      {"ReadBinary", [&](BufferReader& r) { r.ReadBinary(&block, 4); }},
+      {"ReadBinary near 2^32", [&](BufferReader& r) { r.ReadBinary(&block, 0xFFFFFFFF); }},
+      {"CreateSubReader", [](BufferReader& r) { r.CreateSubReader(4); }},
+      {"CreateSubReader near 2^32", [](BufferReader& r) { r.CreateSubReader(0xFFFFFFFE); }},
+  };
+  for (const TooLong& tooLong : cases) {
+    SCOPED_TRACE(tooLong.name);
+    BufferReader reader = ReaderOver({9, 9, 0x01, 0x02, 0x03}, {3});
+    reader.Skip(2);
+    EXPECT_TRUE(IsTooShort(RaisedMessage([&] { tooLong.read(reader); })));
+    EXPECT_TRUE(HasExactly(reader, 3));
+    EXPECT_EQ(reader.ReadUnsignedShort(), 0x0201u);
+    EXPECT_EQ(block, nullptr);
+  }
+}
+
+TEST(BufferReaderTest, StringsStopAtTheFirstNulAndKeepTheirBlanks) {
+  BufferReader reader = ReaderOver({'a', 'b', 0, 'c', 'd', ' ', 'e', ' ', ' '}, {1, 5});
+  EXPECT_EQ(reader.ReadString(4), "ab");
+  EXPECT_TRUE(HasExactly(reader, 5));
+  EXPECT_EQ(reader.ReadString(5), "d e  ");
+}
+
+TEST(BufferReaderTest, BinaryBlocksAreCopiedAcrossChunks) {
+  BufferReader reader = ReaderOver({1, 2, 3, 4, 5, 6}, {1, 1, 4});
+  reader.Skip(1);
+  std::unique_ptr<std::uint8_t[]> block;
+  reader.ReadBinary(&block, 5);
+  ASSERT_NE(block, nullptr);
+  EXPECT_EQ(Bytes(block.get(), block.get() + 5), (Bytes{2, 3, 4, 5, 6}));
+}
+
+TEST(BufferReaderTest, BinaryNeedsADestinationBeforeAnythingElse) {
+  BufferReader reader = ReaderOver({1, 2});
+  for (std::uint32_t count : {0u, 1u, 0xFFFFFFFFu}) {
+    EXPECT_TRUE(IsPlaced(RaisedMessage([&] { reader.ReadBinary(nullptr, count); }),
+                         "The binary buffer to read into is empty.", "BufferReader"));
+  }
+  EXPECT_TRUE(HasExactly(reader, 2));
+}
+
+TEST(BufferReaderTest, NestedReadersAreBoundedAndMoveAllTheirAncestors) {
+  Bytes bytes(20);
+  for (std::size_t index = 0; index < bytes.size(); ++index) bytes[index] = std::uint8_t(index);
+  BufferReader root = ReaderOver(bytes, {7, 13});
+  root.Skip(2);
+  {
+    std::unique_ptr<BufferReader> item = root.CreateSubReader(10);
+    ASSERT_NE(item, nullptr);
+    EXPECT_TRUE(HasExactly(*item, 10));
+    EXPECT_EQ(item->ReadUnsignedShort(), 0x0302u);
+    {
+      std::unique_ptr<BufferReader> inner = item->CreateSubReader(4);
+      EXPECT_EQ(inner->ReadUnsignedShort(), 0x0504u);
+      EXPECT_TRUE(HasExactly(*inner, 2));
+      EXPECT_TRUE(IsTooShort(RaisedMessage([&] { inner->ReadUnsignedLong(); })));
+      inner->Skip(2);
+    }
+    EXPECT_TRUE(HasExactly(*item, 4));
+    EXPECT_EQ(item->ReadUnsignedShort(), 0x0908u);
+    item->Skip(2);
+    // The item's end stands before the root's: its next byte is out of its reach.
+    EXPECT_TRUE(IsTooShort(RaisedMessage([&] { item->Skip(1); })));
+  }
+  EXPECT_TRUE(HasExactly(root, 8));
+  EXPECT_EQ(root.ReadUnsignedShort(), 0x0D0Cu);
+}
+
+TEST(BufferReaderTest, UndefinedLengthTakesAllThatIsLeft) {
+  BufferReader root = ReaderOver({1, 2, 3, 4, 5, 6, 7, 8});
+  root.Skip(1);
+  std::unique_ptr<BufferReader> item = root.CreateSubReader(5);
+  item->Skip(1);
+  std::unique_ptr<BufferReader> rest = item->CreateSubReader(BufferReader::kUndefinedLength);
+  EXPECT_TRUE(HasExactly(*rest, 4));
+  std::unique_ptr<BufferReader> restOfRoot = root.CreateSubReader(BufferReader::kUndefinedLength);
+  EXPECT_TRUE(HasExactly(*restOfRoot, 6));
+}
+
+TEST(BufferReaderTest, OffsetsNearTwoToThe32DontWrap) {
+  // The first chunk claims more bytes than it holds: it is skipped, never read.
+  static const std::uint8_t kUnread[1] = {};
+  const std::uint8_t tail[15] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+  MultiChunkBuffer buffer;
+  buffer.AddChunk(kUnread, 0xFFFFFFF0);
+  buffer.AddChunk(tail, 15);
+  BufferReader reader(std::move(buffer));
+  EXPECT_TRUE(reader.HasBytes(0xFFFFFFFF));
+  reader.Skip(0xFFFFFFF0);
+  EXPECT_EQ(reader.ReadUnsignedLong(), 0x04030201u);
+  std::unique_ptr<BufferReader> item = reader.CreateSubReader(BufferReader::kUndefinedLength);
+  EXPECT_TRUE(HasExactly(*item, 11));
+  item->Skip(8);
+  for (std::uint32_t count : {4u, 0x80000000u, 0xFFFFFFFEu, 0xFFFFFFFFu}) {
+    EXPECT_TRUE(IsTooShort(RaisedMessage([&] { item->Skip(count); }))) << count;
+    EXPECT_FALSE(item->HasBytes(count)) << count;
+  }
+  EXPECT_EQ(item->ReadString(3), "\x0D\x0E\x0F");
+  EXPECT_FALSE(reader.HasBytes(1));
+}
+
+}  // namespace
+}  // namespace DicomEngine
