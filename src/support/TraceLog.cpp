@@ -17,7 +17,7 @@ void TraceLog::Initialize(const std::u16string& fileName, std::uint32_t level) {
       if (file_.IsOpen()) return;
       level_ = level;
       fileName_ = fileName.empty() ? u"Trace.log" : fileName;
-      file_.Open(ResolvePath());
+      if (file_.Open(ResolvePath())) enabledLevel_.store(level_, std::memory_order_relaxed);
     }
     Trace(FormatBounded(128, "The unmanaged trace level is: %d", static_cast<int>(level_)), 1);
   } catch (...) {

@@ -5,7 +5,9 @@
 #ifndef HALVORINE_SUPPORT_TRACELOG_H
 #define HALVORINE_SUPPORT_TRACELOG_H
 
+#include <atomic>
 #include <cstdint>
+#include <limits>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -25,6 +27,9 @@ class TraceLog {
   // executable, which is made on the way.
   void Initialize(const std::u16string& fileName, std::uint32_t level);
   void Trace(std::string_view text, int level);
+  // Whether Trace would write a line of this level, answered without the lock, so that a caller
+  // can skip building a text that would be dropped.
+  bool IsEnabled(int level) const { return level <= enabledLevel_.load(std::memory_order_relaxed); }
 
  private:
   std::string ResolvePath();
@@ -32,6 +37,8 @@ class TraceLog {
   std::u16string fileName_;
   std::uint32_t level_ = 1;
   AppendFile file_;
+  // level_ once the file is open; until then below every level, so that nothing is enabled.
+  std::atomic<std::int64_t> enabledLevel_ = std::numeric_limits<std::int64_t>::min();
   std::mutex lock_;
 };
 

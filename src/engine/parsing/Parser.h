@@ -1,0 +1,88 @@
+// Turns the bytes of a DICOM data set into element objects, one per data element, sequences and
+// items included, in one forward pass. The encoding is decided element by element from the
+// element's group: groups up to 2 use headerSyntax, and so does every group until (0002,0010) has
+// been met; from then on the groups above 2 use the syntax that it names. An element looks like
+// this (sizes in bytes; every number least significant byte first, in every syntax):
+//
+//   explicit (vrForm 2), OB OW SQ UN UT   group 2 | element 2 | VR 2 | reserved 2 | length 4
+//   explicit (vrForm 2), any other VR     group 2 | element 2 | VR 2 | length 2
+//   implicit (vrForm 1)                   group 2 | element 2 | length 4 (VR from dictionary)
+//   not set (vrForm 0)                    group 2 | element 2 | VR 2 | length 4
+//   group FFFE, in every syntax           group 2 | element 2 | length 4
+//
+// The delimiters (FFFE,E00D) and (FFFE,E0DD) stay in the tree as VRSequenceItem entries, so that
+// the sizes of a tree of undefined lengths still add up to the file's.
+#ifndef HALVORINE_ENGINE_PARSING_PARSER_H
+#define HALVORINE_ENGINE_PARSING_PARSER_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "engine/dictionary/TransferSyntax.h"
+#include "engine/elements/VR.h"
+#include "engine/elements/VRContainer.h"
+#include "engine/parsing/BufferReader.h"
+
+namespace DicomEngine {
+
+class Parser {
+ public:
+  // Sequences may nest this deep; one more fails instead of exhausting the stack.
+  static constexpr int kMaxSequenceDepth = 64;
+
+  // Without a reader: Parse fails until a subclass gives it one.
+  Parser();
+  // A parser over reader, whose first guess at the encoding is headerSyntax.
+  Parser(std::unique_ptr<BufferReader> reader, SyntaxRecord headerSyntax);
+  Parser(const Parser&) = delete;
+  Parser& operator=(const Parser&) = delete;
+  virtual ~Parser();
+
+  // Appends the elements to container in file order, until the reader is exhausted or an item
+  // delimiter has been read, which is appended last. On a failure the elements appended so far
+  // stay in container.
+  void Parse(VRContainer& container);
+
+  // The encoded sizes of an element's header, on the syntaxes as parsing left them: 4 for the
+  // tag, then GetVRFieldSize, then GetLengthFieldSize (reserved bytes included) up to the value.
+  std::uint32_t GetVRFieldSize(std::uint16_t group, std::uint16_t element) const;
+  std::uint32_t GetLengthFieldSize(std::string_view vrCode, std::uint16_t group,
+                                   std::uint16_t element) const;
+
+ protected:
+  // For a subclass that finds the bytes and the first guess itself.
+  void SetReader(std::unique_ptr<BufferReader> reader, SyntaxRecord headerSyntax);
+
+ private:
+  // The parser of one item: the syntaxes of its parent, and a depth one below.
+  Parser(std::unique_ptr<BufferReader> reader, const Parser& parent);
+
+  SyntaxRecord GetSyntaxForGroup(std::uint16_t group) const;
+  std::pair<std::string, std::uint32_t> ReadVRAndLength(std::uint16_t group, std::uint16_t element);
+  std::string ChooseVR(std::uint16_t group, std::uint16_t element);
+  std::uint32_t ReadLength(std::string_view vrCode, std::uint16_t group, std::uint16_t element);
+  // Null for a code that has no class; the cursor then stands on the value's first byte.
+  std::unique_ptr<VR> MakeElement(std::string_view vrCode, std::uint16_t group,
+                                  std::uint16_t element, std::uint32_t length);
+  std::unique_ptr<VR> ParseSequence(std::uint16_t group, std::uint16_t element,
+                                    std::string_view vrCode, std::uint32_t length);
+  // One item, fragment or sequence delimiter. consumed counts the item headers and defined item
+  // lengths read so far; finished tells the sequence to end.
+  std::unique_ptr<VR> ParseSequenceItem(bool binaryItems, std::uint32_t sequenceLength,
+                                        std::uint32_t& consumed, bool& finished);
+  std::unique_ptr<VR> ParseNestedItem(std::uint32_t itemLength);
+  void ApplyTransferSyntax(const VR* object);
+
+  std::unique_ptr<BufferReader> reader_;
+  SyntaxRecord headerSyntax_;
+  SyntaxRecord dataSetSyntax_;
+  bool syntaxKnown_ = false;
+  int depth_ = 0;  // the sequences around what this parser reads
+};
+
+}  // namespace DicomEngine
+
+#endif  // HALVORINE_ENGINE_PARSING_PARSER_H
