@@ -17,9 +17,16 @@
 //   unless the operation says otherwise.
 // - The error record is per thread: SetErrorInfo replaces it, GetErrorInfo hands it to the caller
 //   and clears it.
+// - A string that the runtime hands out through an LPOLESTR* (ProgIDFromCLSID) is freed by the
+//   caller with CoTaskMemFree.
+// - Classes are found in the registry, a text file in the form of a Windows registry export: the
+//   file named by HALVORINE_REGISTRY, else $XDG_DATA_HOME/halvorine/registry.reg (with
+//   ~/.local/share for an unset XDG_DATA_HOME). A module that CoGetClassObject loads stays loaded
+//   until CoFreeUnusedLibraries finds that its DllCanUnloadNow gives S_OK.
 #ifndef HALVORINE_COM_H
 #define HALVORINE_COM_H
 
+#include <cstddef>
 #include <cstdint>
 
 #if defined(HALVOCOM_BUILDING)
@@ -45,6 +52,9 @@ using LPOLESTR = OLECHAR*;
 using LPCOLESTR = const OLECHAR*;
 using BSTR = OLECHAR*;
 using PVOID = void*;
+using LPVOID = void*;
+using LPWSTR = OLECHAR*;
+using SIZE_T = std::size_t;
 
 constexpr VARIANT_BOOL VARIANT_TRUE = -1;  // 0xFFFF as 16 bits
 constexpr VARIANT_BOOL VARIANT_FALSE = 0;
@@ -66,6 +76,19 @@ constexpr HRESULT DISP_E_BADINDEX = static_cast<HRESULT>(0x8002000B);
 constexpr HRESULT DISP_E_ARRAYISLOCKED = static_cast<HRESULT>(0x8002000D);
 constexpr HRESULT CLASS_E_NOAGGREGATION = static_cast<HRESULT>(0x80040110);
 constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE = static_cast<HRESULT>(0x80040111);
+constexpr HRESULT REGDB_E_READREGDB = static_cast<HRESULT>(0x80040150);
+constexpr HRESULT REGDB_E_WRITEREGDB = static_cast<HRESULT>(0x80040151);
+constexpr HRESULT REGDB_E_CLASSNOTREG = static_cast<HRESULT>(0x80040154);
+constexpr HRESULT CO_E_CLASSSTRING = static_cast<HRESULT>(0x800401F3);
+
+constexpr DWORD ERROR_MOD_NOT_FOUND = 126;
+constexpr DWORD ERROR_PROC_NOT_FOUND = 127;
+constexpr DWORD ERROR_BADDB = 1009;  // the registry file can't be parsed
+
+constexpr HRESULT HRESULT_FROM_WIN32(DWORD x) {
+  return static_cast<HRESULT>(x) <= 0 ? static_cast<HRESULT>(x)
+                                      : static_cast<HRESULT>((x & 0x0000FFFFu) | 0x80070000u);
+}
 
 constexpr bool SUCCEEDED(HRESULT hr) { return hr >= 0; }
 constexpr bool FAILED(HRESULT hr) { return hr < 0; }
@@ -81,6 +104,7 @@ using CLSID = GUID;
 using REFGUID = const GUID&;
 using REFIID = const IID&;
 using REFCLSID = const CLSID&;
+using LPCLSID = CLSID*;
 
 constexpr bool IsEqualGUID(REFGUID a, REFGUID b) {
   if (a.Data1 != b.Data1 || a.Data2 != b.Data2 || a.Data3 != b.Data3) return false;
@@ -118,6 +142,8 @@ struct IUnknown {
  protected:
   ~IUnknown() = default;
 };
+
+using LPUNKNOWN = IUnknown*;
 
 struct IClassFactory : IUnknown {
   virtual HRESULT CreateInstance(IUnknown* pUnkOuter, REFIID riid, void** ppvObject) = 0;
@@ -193,5 +219,75 @@ HALVOCOM_API HRESULT SafeArrayDestroy(SAFEARRAY* psa);
 HALVOCOM_API HRESULT CreateErrorInfo(ICreateErrorInfo** pperrinfo);
 HALVOCOM_API HRESULT SetErrorInfo(ULONG dwReserved, IErrorInfo* perrinfo);
 HALVOCOM_API HRESULT GetErrorInfo(ULONG dwReserved, IErrorInfo** pperrinfo);
+
+HALVOCOM_API LPVOID CoTaskMemAlloc(SIZE_T cb);
+HALVOCOM_API void CoTaskMemFree(LPVOID pv);
+
+// Writes the braced, upper-case form of rguid with its NUL; gives the characters written, NUL
+// included (39), or 0 when cchMax is too small.
+HALVOCOM_API int StringFromGUID2(REFGUID rguid, LPOLESTR lpsz, int cchMax);
+// Reads a braced GUID in either case; any other text is taken for a programmatic name.
+HALVOCOM_API HRESULT CLSIDFromString(LPCOLESTR lpsz, LPCLSID pclsid);
+
+// CO_E_CLASSSTRING for a name that the registry doesn't know.
+HALVOCOM_API HRESULT CLSIDFromProgID(LPCOLESTR lpszProgID, LPCLSID lpclsid);
+// REGDB_E_CLASSNOTREG for a class without a programmatic name in the registry.
+HALVOCOM_API HRESULT ProgIDFromCLSID(REFCLSID clsid, LPOLESTR* lplpszProgID);
+
+constexpr DWORD CLSCTX_INPROC_SERVER = 0x1;
+constexpr DWORD CLSCTX_INPROC_HANDLER = 0x2;
+constexpr DWORD CLSCTX_LOCAL_SERVER = 0x4;
+constexpr DWORD CLSCTX_REMOTE_SERVER = 0x10;
+constexpr DWORD CLSCTX_INPROC = CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER;
+constexpr DWORD CLSCTX_SERVER = CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER | CLSCTX_REMOTE_SERVER;
+constexpr DWORD CLSCTX_ALL = CLSCTX_INPROC | CLSCTX_LOCAL_SERVER | CLSCTX_REMOTE_SERVER;
+
+struct COAUTHINFO;
+struct COSERVERINFO {
+  DWORD dwReserved1;
+  LPWSTR pwszName;
+  COAUTHINFO* pAuthInfo;
+  DWORD dwReserved2;
+};
+
+// Only in-process servers exist here: a context without CLSCTX_INPROC_SERVER finds no class, and
+// pServerInfo is not looked at. An unregistered class gives REGDB_E_CLASSNOTREG, a module that
+// can't be loaded HRESULT_FROM_WIN32(ERROR_MOD_NOT_FOUND), one without DllGetClassObject
+// HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND), a registry file that can't be parsed
+// HRESULT_FROM_WIN32(ERROR_BADDB).
+HALVOCOM_API HRESULT CoGetClassObject(REFCLSID rclsid, DWORD dwClsContext,
+                                      COSERVERINFO* pServerInfo, REFIID riid, LPVOID* ppv);
+HALVOCOM_API HRESULT CoCreateInstance(REFCLSID rclsid, LPUNKNOWN pUnkOuter, DWORD dwClsContext,
+                                      REFIID riid, LPVOID* ppv);
+// Unloads at once each loaded module whose DllCanUnloadNow gives S_OK. Pointers into an unloaded
+// module, class objects included, must not be used afterwards, and no other thread may still be
+// inside a call of one of its objects (a Release that has just destroyed the last one included).
+HALVOCOM_API void CoFreeUnusedLibraries();
+
+// This runtime's own: how a component writes the registry, where Windows has its registry calls.
+// A step acts on a key below HKEY_CLASSES_ROOT, its components separated by '\'.
+enum HALVOCOM_REGISTRY_ACTION : DWORD {
+  // Creates the key and its ancestors; sets the value named valueName (the default value for a
+  // null or empty name) to value, unless value is null.
+  HALVOCOM_REGISTRY_SET = 0,
+  // Removes the key with all its subkeys; a missing key is no failure.
+  HALVOCOM_REGISTRY_DELETE_TREE = 1,
+  // Removes the key if it has neither values nor subkeys.
+  HALVOCOM_REGISTRY_DELETE_IF_EMPTY = 2,
+};
+struct HALVOCOM_REGISTRY_STEP {
+  HALVOCOM_REGISTRY_ACTION action;
+  LPCOLESTR key;
+  LPCOLESTR valueName;
+  LPCOLESTR value;
+};
+// Applies the steps in order as one change: the registry file is read, changed and replaced by
+// an atomic rename under an exclusive lock (flock on the file's name with ".lock" appended), so
+// that concurrent updates are never lost and a crash leaves the former file. Nothing is written
+// when any step is invalid (E_INVALIDARG: an empty key or key component, a line break), when the
+// file can't be read (REGDB_E_READREGDB) or parsed (HRESULT_FROM_WIN32(ERROR_BADDB)); a file
+// that can't be written gives REGDB_E_WRITEREGDB. A failure leaves an error record for the
+// calling thread that names the file and the cause.
+HALVOCOM_API HRESULT HalvocomUpdateRegistry(const HALVOCOM_REGISTRY_STEP* steps, ULONG cSteps);
 
 #endif  // HALVORINE_COM_H

@@ -4,7 +4,9 @@
 #include "service/ClassFactory.h"
 #include "service/ComObject.h"
 #include "service/DicomDirImpl.h"
+#include "service/FailureBoundary.h"
 #include "service/ModuleLock.h"
+#include "service/Registrar.h"
 
 using halvorine::ClassFactory;
 
@@ -26,6 +28,10 @@ HALVORINE_API HRESULT DllGetClassObject(REFCLSID rclsid, REFIID riid, void** ppv
   return factory->QueryInterface(riid, ppv);
 }
 
-// Registration comes with the component server.
-HALVORINE_API HRESULT DllRegisterServer() { return E_NOTIMPL; }
-HALVORINE_API HRESULT DllUnregisterServer() { return E_NOTIMPL; }
+HALVORINE_API HRESULT DllRegisterServer() {
+  return halvorine::RunGuarded(halvorine::RegisterComponent);
+}
+
+HALVORINE_API HRESULT DllUnregisterServer() {
+  return halvorine::RunGuarded(halvorine::UnregisterComponent);
+}

@@ -1,0 +1,158 @@
+#include "platform/com/RegistryFile.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <utility>
+
+namespace halvorine {
+namespace {
+
+constexpr mode_t kNewFileMode = 0644;
+
+class UniqueFd {
+ public:
+  explicit UniqueFd(int fd) : fd_(fd) {}
+  UniqueFd(const UniqueFd&) = delete;
+  UniqueFd& operator=(const UniqueFd&) = delete;
+  ~UniqueFd() {
+    if (fd_ >= 0) close(fd_);
+  }
+  int get() const { return fd_; }
+  // Closes now, so that a failing close can be seen.
+  bool Close() { return close(std::exchange(fd_, -1)) == 0; }
+
+ private:
+  int fd_;
+};
+
+std::string Cause(const std::string& path, const char* what) {
+  return "The registry file " + path + " can't be " + what + ": " + std::strerror(errno);
+}
+
+bool ReadAll(int fd, std::string* text) {
+  char buffer[8192];
+  for (;;) {
+    const ssize_t got = read(fd, buffer, sizeof buffer);
+    if (got == 0) return true;
+    if (got < 0 && errno != EINTR) return false;
+    if (got > 0) text->append(buffer, static_cast<std::size_t>(got));
+  }
+}
+
+bool WriteAll(int fd, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t put = write(fd, text.data(), text.size());
+    if (put < 0 && errno != EINTR) return false;
+    if (put > 0) text.remove_prefix(static_cast<std::size_t>(put));
+  }
+  return true;
+}
+
+bool LockExclusively(int fd) {
+  while (flock(fd, LOCK_EX) != 0) {
+    if (errno != EINTR) return false;
+  }
+  return true;
+}
+
+// The folder of path, made with its ancestors when missing.
+bool MakeFolderOf(const std::string& path) {
+  const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+  std::error_code error;
+  if (folder.empty() || std::filesystem::create_directories(folder, error) || !error) return true;
+  errno = error.value();
+  return false;
+}
+
+// Syncs the folder of path, so that a rename in it survives a crash of the machine.
+void SyncFolderOf(const std::string& path) {
+  const std::string folder = std::filesystem::path(path).parent_path().string();
+  UniqueFd fd(open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (fd.get() >= 0) fsync(fd.get());
+}
+
+}  // namespace
+
+std::string RegistryFile::DefaultPath() {
+  const char* named = getenv("HALVORINE_REGISTRY");
+  if (named != nullptr && *named != '\0') return named;
+  const char* data = getenv("XDG_DATA_HOME");
+  if (data != nullptr && *data == '/') return std::string(data) + "/halvorine/registry.reg";
+  const char* home = getenv("HOME");
+  if (home != nullptr && *home != '\0') {
+    return std::string(home) + "/.local/share/halvorine/registry.reg";
+  }
+  return {};
+}
+
+HRESULT RegistryFile::Read(RegistryContent* content, std::string* problem) const {
+  *content = RegistryContent();
+  if (path_.empty()) return S_OK;
+  UniqueFd fd(open(path_.c_str(), O_RDONLY | O_CLOEXEC));
+  if (fd.get() < 0 && errno == ENOENT) return S_OK;
+  std::string text;
+  if (fd.get() < 0 || !ReadAll(fd.get(), &text)) {
+    *problem = Cause(path_, "read");
+    return REGDB_E_READREGDB;
+  }
+  std::string parseProblem;
+  if (!content->Parse(text, &parseProblem)) {
+    *problem = "The registry file " + path_ + " can't be parsed: " + parseProblem;
+    return HRESULT_FROM_WIN32(ERROR_BADDB);
+  }
+  return S_OK;
+}
+
+HRESULT RegistryFile::Update(const std::function<HRESULT(RegistryContent&)>& change,
+                             std::string* problem) const {
+  if (path_.empty()) {
+    *problem = "The registry has no place: HALVORINE_REGISTRY, XDG_DATA_HOME and HOME are unset";
+    return REGDB_E_WRITEREGDB;
+  }
+  if (!MakeFolderOf(path_)) {
+    *problem = Cause(path_, "made");
+    return REGDB_E_WRITEREGDB;
+  }
+  const std::string lockPath = path_ + ".lock";
+  UniqueFd lock(open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+  if (lock.get() < 0 || !LockExclusively(lock.get())) {
+    *problem = Cause(path_, "locked");
+    return REGDB_E_WRITEREGDB;
+  }
+  RegistryContent content;
+  if (HRESULT hr = Read(&content, problem); FAILED(hr)) return hr;
+  const std::string before = content.Serialize();
+  if (HRESULT hr = change(content); FAILED(hr)) return hr;
+  const std::string after = content.Serialize();
+  return after == before ? S_OK : Replace(after, problem);
+}
+
+HRESULT RegistryFile::Replace(const std::string& text, std::string* problem) const {
+  struct stat former {};
+  const mode_t mode = stat(path_.c_str(), &former) == 0 ? former.st_mode & 07777 : kNewFileMode;
+  std::string temporary = path_ + ".XXXXXX";
+  UniqueFd fd(mkostemp(temporary.data(), O_CLOEXEC));
+  if (fd.get() < 0) {
+    *problem = Cause(path_, "written");
+    return REGDB_E_WRITEREGDB;
+  }
+  const bool written = fchmod(fd.get(), mode) == 0 && WriteAll(fd.get(), text) &&
+                       fsync(fd.get()) == 0 && fd.Close() &&
+                       rename(temporary.c_str(), path_.c_str()) == 0;
+  if (!written) {
+    *problem = Cause(path_, "written");
+    unlink(temporary.c_str());
+    return REGDB_E_WRITEREGDB;
+  }
+  SyncFolderOf(path_);
+  return S_OK;
+}
+
+}  // namespace halvorine
