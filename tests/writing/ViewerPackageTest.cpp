@@ -1,0 +1,114 @@
+#include "writing/ViewerPackage.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "RaisedMessage.h"
+#include "TempFolder.h"
+
+namespace halvorine {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::vector<std::string> kRows = {
+    "Lumbrel.exe",       "DicomDir.dll",    "Tessarine.dll", "Quorl8.dll",
+    "Quorl12.dll",       "Quorl16.dll",     "Wavelane.dll",  "dicom_dictionary.txt",
+    "LumbrelAssets.dll", "LumbrelHelp.chm", "autorun.inf"};
+
+std::vector<std::string> Names(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::vector<std::string> Sorted(std::vector<std::string> names) {
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+// The host's folder with every file of the package, under its plain name and in culture "xx".
+class ViewerPackageTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    FillViewerFileList();
+    for (const char* name : {"LumbrelAssets.xx.dll", "LumbrelHelp.xx.chm"}) {
+      WriteWholeFile(host_ + "/" + name, name);
+    }
+    for (const std::string& name : kRows) WriteWholeFile(host_ + "/" + name, name);
+  }
+  void TearDown() override { EmptyViewerFileList(); }
+
+  TempFolder temp_;
+  const std::string host_ = temp_.MakeFolder("host");
+  const std::string disc_ = temp_.MakeFolder("disc");
+};
+
+TEST_F(ViewerPackageTest, TheListIsFilledOnceAndEmptiedWhole) {
+  FillViewerFileList();
+  std::vector<std::string> names;
+  for (const ViewerFileEntry& entry : GetViewerFileList()) names.push_back(entry.name);
+  EXPECT_EQ(names, kRows);
+  EXPECT_EQ(GetViewerFileList()[8].cultureRule, kCultureRequired);
+  EXPECT_EQ(GetViewerFileList()[9].cultureRule, kCultureOrPlain);
+  EmptyViewerFileList();
+  CopyViewerPackage(FileSystem::Posix(), host_, disc_, "xx");
+  EXPECT_TRUE(Names(disc_).empty()) << "an empty list copies nothing";
+}
+
+// Without a culture the assets stay behind and the help keeps its plain name; with one, both
+// bear it.
+TEST_F(ViewerPackageTest, TheCultureDecidesNamesAndRows) {
+  for (const std::string culture : {"", "xx"}) {
+    SCOPED_TRACE(culture);
+    fs::remove_all(disc_);
+    fs::create_directory(disc_);
+    CopyViewerPackage(FileSystem::Posix(), host_ + "/", disc_, culture);
+    std::vector<std::string> expected = kRows;
+    expected[8] = culture.empty() ? "" : "LumbrelAssets.xx.dll";
+    expected[9] = culture.empty() ? "LumbrelHelp.chm" : "LumbrelHelp.xx.chm";
+    std::erase(expected, "");
+    EXPECT_EQ(Names(disc_), Sorted(expected));
+    EXPECT_EQ(ReadWholeFile(disc_ + "/" + expected[8]), expected[8]);
+  }
+}
+
+TEST_F(ViewerPackageTest, TheFirstFailingCopyEndsTheRun) {
+  WriteWholeFile(disc_ + "/Quorl8.dll", "the disc's own");
+  const std::string message =
+      RaisedMessage([&] { CopyViewerPackage(FileSystem::Posix(), host_, disc_, ""); });
+  EXPECT_TRUE(IsPlaced(message,
+                       "Failed to copy the Lumbrel file \r\nfrom:" + host_ + "/Quorl8.dll \r\nto " +
+                           disc_ + "/Quorl8.dll\r\nWindows last error=17",
+                       "DicomDirImpl"))
+      << message;
+  EXPECT_EQ(Names(disc_), Sorted({"Lumbrel.exe", "DicomDir.dll", "Tessarine.dll", "Quorl8.dll"}));
+  EXPECT_EQ(ReadWholeFile(disc_ + "/Quorl8.dll"), "the disc's own");
+}
+
+TEST(InsertCultureTest, InFrontOfTheLastPoint) {
+  const struct {
+    std::string path;
+    std::string culture;
+    std::string expected;
+  } cases[] = {
+      {"/host/LumbrelHelp.chm", "xx", "/host/LumbrelHelp.xx.chm"},
+      {"/a.b/c.d/LumbrelAssets.dll", "de-CH", "/a.b/c.d/LumbrelAssets.de-CH.dll"},
+      {"/host/LumbrelHelp.chm", "", "/host/LumbrelHelp.chm"},
+  };
+  for (const auto& c : cases) {
+    std::string path = c.path;
+    InsertCulture(path, c.culture);
+    EXPECT_EQ(path, c.expected);
+  }
+}
+
+}  // namespace
+}  // namespace halvorine
