@@ -1,0 +1,164 @@
+#include "reading/DirectoryReader.h"
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include "engine/dictionary/DicomDictionary.h"
+#include "engine/elements/UnsignedIntegerVR.h"
+#include "engine/elements/VRSequenceItem.h"
+#include "support/MyException.h"
+#include "support/TextConversion.h"
+
+namespace halvorine {
+namespace {
+
+using DicomEngine::VR;
+using DicomEngine::VRContainer;
+
+constexpr char kUnit[] = "DicomDirImpl";
+
+bool IsItem(const VR& element) {
+  return element.group == DicomEngine::kItemGroup && element.element == DicomEngine::kItem;
+}
+
+}  // namespace
+
+DirectoryReader::DirectoryReader(RecordOffsetIndex& recordOffsetIndex,
+                                 const RecordCreators& creators, std::u16string_view directoryName)
+    : recordOffsetIndex_(recordOffsetIndex), mapper_(creators, directoryName) {}
+
+void DirectoryReader::ReadDirectory(const std::string& path, SAFEARRAY** ppPatients) {
+  DicomEngine::DicomDictionary::GetInstance().LoadDictionary("dicom_dictionary.txt");
+  DicomEngine::DicomData dataSet(false);
+  auto parser = std::make_unique<DicomEngine::FileParser>();
+  parser->Open(ToWide(path));
+  parser->Parse(dataSet);
+  const auto* sequence = dynamic_cast<const DicomEngine::VRSequence*>(dataSet.Find(0x0004, 0x1220));
+  if (sequence == nullptr) Raise(kUnit, __LINE__, "The DICOMDIR sequence tag is missing.");
+  const std::uint32_t first = LocateRecordSequence(dataSet, *parser);
+  recordOffsetIndex_.clear();
+  BuildRecordOffsetIndex(*sequence, first, *parser);
+  open_.assign(recordOffsetIndex_.size(), false);
+  const std::int32_t root = ReadOffsetAttribute(dataSet, 0x0004, 0x1200, parser->GetDataOffset());
+  // The file's bytes aren't needed for the walk.
+  parser.reset();
+  ChildList patients;
+  WalkRecordChain(root, patients, 0);
+  RecordMapper::PassOverWrongLevels(patients, RecordLevel::kPatient, 0);
+  SafeArrayPtr array = RecordMapper::MakeObjectArray(patients);
+  if (array.get() != nullptr) *ppPatients = array.Detach();
+}
+
+//   element header   tag 4 | VR field 0 or 2 | length field 4, or 2, or 2 reserved + 4
+//   offset of (0004,1220)'s first item = dataOffset + the sizes of the elements before it
+//                                        + the header of (0004,1220)
+std::uint32_t DirectoryReader::LocateRecordSequence(const DicomEngine::DicomData& dataSet,
+                                                    const DicomEngine::FileParser& parser) {
+  std::uint32_t offset = parser.GetDataOffset();
+  for (const auto& element : dataSet.Elements()) {
+    if (element->group == 0x0004 && element->element == 0x1220) {
+      return offset + HeaderSize(*element, parser);
+    }
+    AdvanceOverElement(offset, *element, parser);
+  }
+  return offset;
+}
+
+void DirectoryReader::BuildRecordOffsetIndex(const DicomEngine::VRSequence& sequence,
+                                             std::uint32_t offset,
+                                             const DicomEngine::Parser& parser) {
+  recordCount_ = 0;
+  for (const auto& entry : sequence.Elements()) {
+    if (!entry) continue;
+    recordOffsetIndex_.emplace_back(offset, entry.get());
+    if (IsItem(*entry)) ++recordCount_;
+    AdvanceOverElement(offset, *entry, parser);
+  }
+}
+
+void DirectoryReader::AdvanceOverElement(std::uint32_t& offset, const VR& element,
+                                         const DicomEngine::Parser& parser) {
+  offset += HeaderSize(element, parser);
+  if (element.length != DicomEngine::kUndefinedLength) {
+    offset += element.length;
+    return;
+  }
+  const auto* container = dynamic_cast<const VRContainer*>(&element);
+  if (container == nullptr) return;
+  for (const auto& inner : container->Elements()) {
+    if (inner) AdvanceOverElement(offset, *inner, parser);
+  }
+}
+
+std::int32_t DirectoryReader::ReadOffsetAttribute(const VRContainer& container, std::uint16_t group,
+                                                  std::uint16_t element, std::uint32_t where) {
+  const auto* attribute =
+      dynamic_cast<const DicomEngine::UnsignedIntegerVR*>(container.Find(group, element));
+  if (attribute == nullptr) Raise(kUnit, __LINE__, "The first record offset is missing.");
+  if (attribute->values.empty()) {
+    Raise(kUnit, __LINE__, "The offset attribute (%04X,%04X) at offset %u holds no number.", group,
+          element, where);
+  }
+  return static_cast<std::int32_t>(attribute->values.front());
+}
+
+// Siblings in a loop, levels by recursion: the stack grows with the depth of the directory,
+// which kMaxDepth bounds.
+void DirectoryReader::WalkRecordChain(std::int32_t offset, ChildList& childList, int depth) {
+  if (offset == 0) return;
+  std::vector<std::size_t> chain;
+  while (true) {
+    const auto key = static_cast<std::uint32_t>(offset);
+    const std::size_t position = PositionOf(key);
+    const auto& record = *dynamic_cast<const VRContainer*>(recordOffsetIndex_[position].second);
+    Enter(position, depth);
+    chain.push_back(position);
+    ChildList children;
+    const std::int32_t lower = ReadOffsetAttribute(record, 0x0004, 0x1420, key);
+    if (lower > 0) WalkRecordChain(lower, children, depth + 1);
+    childList.push_back(mapper_.MapRecord(record, key, children));
+    const std::int32_t next = ReadOffsetAttribute(record, 0x0004, 0x1400, key);
+    if (next < 1) break;
+    offset = next;
+  }
+  // Records linked from elsewhere as well are no cycle: each place gets its own objects.
+  for (const std::size_t position : chain) open_[position] = false;
+}
+
+std::uint32_t DirectoryReader::HeaderSize(const VR& element, const DicomEngine::Parser& parser) {
+  return 4 + parser.GetVRFieldSize(element.group, element.element) +
+         parser.GetLengthFieldSize(element.vrCode.View(), element.group, element.element);
+}
+
+std::size_t DirectoryReader::PositionOf(std::uint32_t offset) const {
+  const auto found =
+      std::lower_bound(recordOffsetIndex_.begin(), recordOffsetIndex_.end(), offset,
+                       [](const auto& entry, std::uint32_t key) { return entry.first < key; });
+  // A delimiter, or a fragment of a sequence that isn't "SQ", is no record.
+  if (found == recordOffsetIndex_.end() || found->first != offset || !IsItem(*found->second) ||
+      dynamic_cast<const VRContainer*>(found->second) == nullptr) {
+    Raise(kUnit, __LINE__, "No DICOMDIR record begins at offset %u.", offset);
+  }
+  return static_cast<std::size_t>(found - recordOffsetIndex_.begin());
+}
+
+void DirectoryReader::Enter(std::size_t position, int depth) {
+  const std::uint32_t offset = recordOffsetIndex_[position].first;
+  if (open_[position]) {
+    Raise(kUnit, __LINE__, "The DICOMDIR record at offset %u is linked in a cycle.", offset);
+  }
+  open_[position] = true;
+  if (depth >= kMaxDepth) {
+    Raise(kUnit, __LINE__, "The DICOMDIR record at offset %u is nested deeper than %d levels.",
+          offset, kMaxDepth);
+  }
+  if (++recordsWalked_ > kExpansionLimit * recordCount_) {
+    Raise(kUnit, __LINE__,
+          "The DICOMDIR links reach the record at offset %u once too often: more than %zu "
+          "objects from %zu records.",
+          offset, kExpansionLimit * recordCount_, recordCount_);
+  }
+}
+
+}  // namespace halvorine

@@ -1,0 +1,90 @@
+#include "reading/ImagePathResolver.h"
+
+#include <dirent.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace halvorine {
+namespace {
+
+char LowerAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c; }
+
+// The name without an ISO 9660 version suffix ";<digits>".
+std::string_view WithoutVersion(std::string_view name) {
+  const std::size_t mark = name.rfind(';');
+  if (mark == std::string_view::npos || mark + 1 == name.size()) return name;
+  const bool digits = std::all_of(name.begin() + static_cast<std::ptrdiff_t>(mark) + 1, name.end(),
+                                  [](char c) { return c >= '0' && c <= '9'; });
+  return digits ? name.substr(0, mark) : name;
+}
+
+// The key under which names answer alike: ASCII lower case, without a version suffix.
+std::string Fold(std::string_view name) {
+  const std::string_view bare = WithoutVersion(name);
+  std::string folded(bare.size(), '\0');
+  std::transform(bare.begin(), bare.end(), folded.begin(), LowerAscii);
+  return folded;
+}
+
+}  // namespace
+
+std::optional<std::vector<std::string_view>> ImagePathResolver::SplitFileId(
+    std::string_view fileId) {
+  while (!fileId.empty() && fileId.back() == ' ') fileId.remove_suffix(1);
+  std::vector<std::string_view> components;
+  std::size_t start = 0;
+  while (true) {
+    const std::size_t end = fileId.find_first_of("\\/", start);
+    const std::string_view component = fileId.substr(start, end - start);
+    if (component.empty() || component == "." || component == "..") return std::nullopt;
+    components.push_back(component);
+    if (end == std::string_view::npos) return components;
+    start = end + 1;
+  }
+}
+
+std::string ImagePathResolver::Resolve(const std::vector<std::string_view>& components) {
+  std::string stored = folder_;
+  for (const std::string_view component : components) {
+    const std::string_view name = FindStoredName(stored, component);
+    if (name.empty()) return Formed(components);
+    stored += '/';
+    stored.append(name);
+  }
+  return stored;
+}
+
+std::string ImagePathResolver::Formed(const std::vector<std::string_view>& components) const {
+  std::string formed = folder_;
+  for (const std::string_view component : components) {
+    formed += '/';
+    formed.append(component);
+  }
+  return formed;
+}
+
+const ImagePathResolver::Listing& ImagePathResolver::ListingOf(const std::string& folder) {
+  const auto [place, added] = listings_.try_emplace(folder);
+  Listing& listing = place->second;
+  if (!added) return listing;
+  std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(folder.c_str()), closedir);
+  if (!entries) return listing;
+  while (const dirent* entry = readdir(entries.get())) listing.names.emplace(entry->d_name);
+  // In byte order, so that of several names that answer alike the first one wins.
+  std::vector<std::string_view> sorted(listing.names.begin(), listing.names.end());
+  std::sort(sorted.begin(), sorted.end());
+  for (const std::string_view name : sorted) listing.folded.try_emplace(Fold(name), name);
+  return listing;
+}
+
+std::string_view ImagePathResolver::FindStoredName(const std::string& folder,
+                                                   std::string_view component) {
+  const Listing& listing = ListingOf(folder);
+  const auto exact = listing.names.find(std::string(component));
+  if (exact != listing.names.end()) return *exact;
+  const auto folded = listing.folded.find(Fold(component));
+  return folded == listing.folded.end() ? std::string_view() : folded->second;
+}
+
+}  // namespace halvorine

@@ -1,0 +1,234 @@
+#include "reading/RecordMapper.h"
+
+#include <array>
+#include <cstdlib>
+#include <optional>
+#include <utility>
+
+#include "engine/elements/VRString.h"
+#include "support/MyException.h"
+#include "support/TextConversion.h"
+#include "support/TraceLog.h"
+#include "support/Utilities.h"
+
+namespace halvorine {
+namespace {
+
+using DicomEngine::VRContainer;
+
+// Failures of a load name the service's unit, as the host sees them.
+constexpr char kUnit[] = "DicomDirImpl";
+
+constexpr std::array<std::string_view, 4> kTypeNames = {"PATIENT", "STUDY", "SERIES", "IMAGE"};
+
+std::string_view TypeName(RecordLevel level) {
+  return level == RecordLevel::kOther ? "other" : kTypeNames[static_cast<std::size_t>(level)];
+}
+
+RecordLevel LevelOf(std::string_view type) {
+  for (std::size_t i = 0; i < kTypeNames.size(); ++i) {
+    if (type == kTypeNames[i]) return static_cast<RecordLevel>(i);
+  }
+  return RecordLevel::kOther;
+}
+
+void Check(HRESULT status, int line) {
+  if (FAILED(status)) RaiseStatus(status, kUnit, line);
+}
+
+// The text of a string element, or nothing when it is missing, no text or empty.
+std::optional<std::string> ReadText(const VRContainer& record, std::uint16_t group,
+                                    std::uint16_t element) {
+  const auto* text = dynamic_cast<const DicomEngine::VRString*>(record.Find(group, element));
+  if (text == nullptr) return std::nullopt;
+  std::string value = text->GetValue();
+  if (value.empty()) return std::nullopt;
+  return value;
+}
+
+std::optional<int> ReadNumber(const VRContainer& record, std::uint16_t group,
+                              std::uint16_t element) {
+  const std::optional<std::string> text = ReadText(record, group, element);
+  if (!text) return std::nullopt;
+  return std::atoi(text->c_str());
+}
+
+double ReadStudyDate(const VRContainer& record) {
+  const std::optional<std::string> date = ReadText(record, 0x0008, 0x0020);
+  const std::optional<std::string> time = ReadText(record, 0x0008, 0x0030);
+  return DicomToOleDate(date ? date->c_str() : nullptr, time ? time->c_str() : nullptr);
+}
+
+template <class Interface>
+ComPtr<Interface> Create(RecordCreators::Creator creator, REFIID iid) {
+  ComPtr<Interface> object;
+  Check(creator(iid, reinterpret_cast<void**>(object.Receive())), __LINE__);
+  return object;
+}
+
+template <class Interface>
+ComPtr<IUnknown> AsUnknown(ComPtr<Interface> object) {
+  return ComPtr<IUnknown>::Adopt(object.Detach());
+}
+
+// The entries' objects in the interface that their level gives them.
+template <class Child>
+Child* As(const MappedRecord& entry) {
+  return static_cast<Child*>(entry.object.get());
+}
+
+}  // namespace
+
+RecordMapper::RecordMapper(const RecordCreators& creators, std::u16string_view directoryName)
+    : creators_(creators), folder_(ToNarrow(directoryName)), paths_(folder_) {}
+
+MappedRecord RecordMapper::MapRecord(const VRContainer& record, std::uint32_t offset,
+                                     ChildList& children) {
+  std::string type = ReadRecordType(record);
+  TrimSpaces(type);
+  MappedRecord mapped{ComPtr<IUnknown>(), LevelOf(type), offset};
+  switch (mapped.level) {
+    case RecordLevel::kPatient:
+      mapped.object = MakePatient(record);
+      break;
+    case RecordLevel::kStudy:
+      mapped.object = MakeStudy(record);
+      break;
+    case RecordLevel::kSeries:
+      mapped.object = MakeSeries(record);
+      break;
+    case RecordLevel::kImage:
+      // Records below an image are walked and made, then go nowhere.
+      mapped.object = MakeImage(record, offset);
+      return mapped;
+    case RecordLevel::kOther:
+      return mapped;
+  }
+  LinkChildren(mapped.object.get(), mapped.level, offset, children);
+  return mapped;
+}
+
+void RecordMapper::PassOverWrongLevels(ChildList& children, RecordLevel expected,
+                                       std::uint32_t parentOffset) {
+  const std::string parent = parentOffset == 0
+                                 ? std::string("the root")
+                                 : "the record at offset " + std::to_string(parentOffset);
+  std::erase_if(children, [&](const MappedRecord& child) {
+    if (child.level == expected || child.level == RecordLevel::kOther) return false;
+    const std::string type(TypeName(child.level));
+    Trace(FormatBounded(kMessageBufferSize,
+                        "Passed over the %s record at offset %u: only %s records belong below %s.",
+                        type.c_str(), child.offset, std::string(TypeName(expected)).c_str(),
+                        parent.c_str()),
+          1);
+    return true;
+  });
+}
+
+SafeArrayPtr RecordMapper::MakeObjectArray(ChildList& childList) {
+  if (childList.empty()) return SafeArrayPtr();
+  SafeArrayPtr array(SafeArrayCreateVector(VT_UNKNOWN, 0, static_cast<ULONG>(childList.size())));
+  if (array.get() == nullptr) Raise(kUnit, __LINE__, "Failed to create DICOMDIR array.");
+  for (std::size_t i = 0; i < childList.size(); ++i) {
+    LONG index = static_cast<LONG>(i);
+    if (childList[i].object) {
+      Check(SafeArrayPutElement(array.get(), &index, childList[i].object.get()), __LINE__);
+    }
+    childList[i].object = ComPtr<IUnknown>();
+  }
+  return array;
+}
+
+std::string RecordMapper::ReadRecordType(const VRContainer& record) {
+  const auto* type = dynamic_cast<const DicomEngine::VRString*>(record.Find(0x0004, 0x1430));
+  if (type == nullptr) Raise(kUnit, __LINE__, "The DICOMDIR record type is missing.");
+  return type->GetValue();
+}
+
+BString RecordMapper::ReadStringAttribute(const VRContainer& record, std::uint16_t group,
+                                          std::uint16_t element) {
+  const std::optional<std::string> text = ReadText(record, group, element);
+  return text ? BString::Copy(std::u16string_view(ToWide(*text))) : BString();
+}
+
+ComPtr<IUnknown> RecordMapper::MakePatient(const VRContainer& record) {
+  auto patient = Create<IDicomDirPatient>(creators_.patient, IID_IDicomDirPatient);
+  Check(patient->SetDicomPatName(ReadStringAttribute(record, 0x0010, 0x0010).get()), __LINE__);
+  Check(patient->SetPatientID(ReadStringAttribute(record, 0x0010, 0x0020).get()), __LINE__);
+  return AsUnknown(std::move(patient));
+}
+
+ComPtr<IUnknown> RecordMapper::MakeStudy(const VRContainer& record) {
+  auto study = Create<IDicomDirStudy>(creators_.study, IID_IDicomDirStudy);
+  // The date's status is not looked at: 0.0 stands for no date.
+  study->SetStudyDate(ReadStudyDate(record));
+  Check(study->SetAccessionNr(ReadStringAttribute(record, 0x0008, 0x0050).get()), __LINE__);
+  Check(study->SetStudyDescription(ReadStringAttribute(record, 0x0008, 0x1030).get()), __LINE__);
+  Check(study->SetInstitution(ReadStringAttribute(record, 0x0008, 0x0080).get()), __LINE__);
+  Check(study->SetStudyInstUID(ReadStringAttribute(record, 0x0020, 0x000D).get()), __LINE__);
+  Check(study->SetStudyID(ReadStringAttribute(record, 0x0020, 0x0010).get()), __LINE__);
+  return AsUnknown(std::move(study));
+}
+
+ComPtr<IUnknown> RecordMapper::MakeSeries(const VRContainer& record) {
+  auto series = Create<IDicomDirSeries>(creators_.series, IID_IDicomDirSeries);
+  Check(series->SetModality(ReadStringAttribute(record, 0x0008, 0x0060).get()), __LINE__);
+  Check(series->SetSeriesInstUID(ReadStringAttribute(record, 0x0020, 0x000E).get()), __LINE__);
+  if (const std::optional<int> number = ReadNumber(record, 0x0020, 0x0011)) {
+    Check(series->SetSeriesNumber(static_cast<SHORT>(*number)), __LINE__);
+  }
+  return AsUnknown(std::move(series));
+}
+
+ComPtr<IUnknown> RecordMapper::MakeImage(const VRContainer& record, std::uint32_t offset) {
+  auto image = Create<IDicomDirImage>(creators_.image, IID_IDicomDirImage);
+  Check(image->SetImageFilename(ImagePath(record, offset).get()), __LINE__);
+  Check(image->SetSOPClassUID(ReadStringAttribute(record, 0x0004, 0x1510).get()), __LINE__);
+  Check(image->SetSOPInstanceUID(ReadStringAttribute(record, 0x0004, 0x1511).get()), __LINE__);
+  if (const std::optional<int> number = ReadNumber(record, 0x0020, 0x0013)) {
+    Check(image->SetInstanceNumber(static_cast<LONGLONG>(*number)), __LINE__);
+  }
+  return AsUnknown(std::move(image));
+}
+
+// A missing File ID leaves the folder and a separator.
+BString RecordMapper::ImagePath(const VRContainer& record, std::uint32_t offset) {
+  const std::optional<std::string> fileId = ReadText(record, 0x0004, 0x1500);
+  if (!fileId) return BString::Copy(std::u16string_view(ToWide(folder_ + '/')));
+  const auto components = ImagePathResolver::SplitFileId(*fileId);
+  if (!components) {
+    Raise(kUnit, __LINE__,
+          "The Referenced File ID \"%s\" of the DICOMDIR record at offset %u leads outside the "
+          "folder.",
+          fileId->c_str(), offset);
+  }
+  return BString::Copy(std::u16string_view(ToWide(paths_.Resolve(*components))));
+}
+
+void RecordMapper::LinkChildren(IUnknown* parent, RecordLevel level, std::uint32_t offset,
+                                ChildList& children) {
+  const auto childLevel = static_cast<RecordLevel>(static_cast<int>(level) + 1);
+  PassOverWrongLevels(children, childLevel, offset);
+  for (const MappedRecord& child : children) {
+    if (!child.object) continue;
+    if (level == RecordLevel::kPatient) {
+      Check(As<IDicomDirStudy>(child)->SetPatient(static_cast<IDicomDirPatient*>(parent)),
+            __LINE__);
+    } else if (level == RecordLevel::kStudy) {
+      Check(As<IDicomDirSeries>(child)->SetStudy(static_cast<IDicomDirStudy*>(parent)), __LINE__);
+    } else {
+      Check(As<IDicomDirImage>(child)->SetSeries(static_cast<IDicomDirSeries*>(parent)), __LINE__);
+    }
+  }
+  SafeArrayPtr array = MakeObjectArray(children);
+  if (array.get() == nullptr) return;
+  if (level == RecordLevel::kPatient) {
+    Check(static_cast<IDicomDirPatient*>(parent)->SetStudies(array.get()), __LINE__);
+  } else if (level == RecordLevel::kStudy) {
+    Check(static_cast<IDicomDirStudy*>(parent)->SetSeries(array.get()), __LINE__);
+  } else {
+    Check(static_cast<IDicomDirSeries*>(parent)->SetImages(array.get()), __LINE__);
+  }
+}
+
+}  // namespace halvorine

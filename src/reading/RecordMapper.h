@@ -1,0 +1,81 @@
+// Turns one directory record into a record object: reads the few attributes that its level
+// supplies, fills the object, and links it to the objects of its lower-level records.
+#ifndef HALVORINE_READING_RECORDMAPPER_H
+#define HALVORINE_READING_RECORDMAPPER_H
+
+#include <halvorine/dicomdir.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/elements/VRContainer.h"
+#include "platform/BString.h"
+#include "platform/ComPtr.h"
+#include "platform/SafeArrayPtr.h"
+#include "reading/ImagePathResolver.h"
+
+namespace halvorine {
+
+// How the reading layer makes record objects without linking to the service above it: each
+// creator makes a new object of its level and asks it for riid, as CreateObject does.
+struct RecordCreators {
+  using Creator = HRESULT (*)(REFIID riid, void** ppv);
+  Creator patient;
+  Creator study;
+  Creator series;
+  Creator image;
+};
+
+// kOther for every record type but the four: such a record gives no object.
+enum class RecordLevel { kPatient, kStudy, kSeries, kImage, kOther };
+
+// One entry of a chain: the object holds the one reference of the entry (null for kOther), in
+// the object's own interface; offset is the record's key in the file.
+struct MappedRecord {
+  ComPtr<IUnknown> object;
+  RecordLevel level = RecordLevel::kOther;
+  std::uint32_t offset = 0;
+};
+using ChildList = std::vector<MappedRecord>;
+
+class RecordMapper {
+ public:
+  // directoryName roots every image path of the load.
+  RecordMapper(const RecordCreators& creators, std::u16string_view directoryName);
+
+  // The object of record, filled and linked to children, which may lose their entries. Raises
+  // for a missing record type, a failing platform call and a File ID that leads outside.
+  MappedRecord MapRecord(const DicomEngine::VRContainer& record, std::uint32_t offset,
+                         ChildList& children);
+  // Drops the entries that aren't of level expected (or kOther) from children, with a trace line
+  // at level 1 each, so that the rest of the disc still loads. A parentOffset of 0 is the root.
+  static void PassOverWrongLevels(ChildList& children, RecordLevel expected,
+                                  std::uint32_t parentOffset);
+  // Moves each entry's reference into a new array, a null slot for a null entry; null for an
+  // empty list.
+  static SafeArrayPtr MakeObjectArray(ChildList& childList);
+
+  // The value of (0004,1430), untrimmed.
+  static std::string ReadRecordType(const DicomEngine::VRContainer& record);
+  // Null when the element is missing, isn't a text or is empty.
+  static BString ReadStringAttribute(const DicomEngine::VRContainer& record, std::uint16_t group,
+                                     std::uint16_t element);
+
+ private:
+  ComPtr<IUnknown> MakePatient(const DicomEngine::VRContainer& record);
+  ComPtr<IUnknown> MakeStudy(const DicomEngine::VRContainer& record);
+  ComPtr<IUnknown> MakeSeries(const DicomEngine::VRContainer& record);
+  ComPtr<IUnknown> MakeImage(const DicomEngine::VRContainer& record, std::uint32_t offset);
+  BString ImagePath(const DicomEngine::VRContainer& record, std::uint32_t offset);
+  void LinkChildren(IUnknown* parent, RecordLevel level, std::uint32_t offset, ChildList& children);
+
+  RecordCreators creators_;
+  std::string folder_;
+  ImagePathResolver paths_;
+};
+
+}  // namespace halvorine
+
+#endif  // HALVORINE_READING_RECORDMAPPER_H
