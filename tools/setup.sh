@@ -3,9 +3,9 @@
 set -euo pipefail
 
 packages=(
-  cmake ninja-build g++ pkg-config
+  cmake ninja-build g++ pkg-config libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  dcmtk
+  dcmtk dicom3tools libgdcm-tools libdcmtk-dev libgdcm-dev
 )
 
 missing=()

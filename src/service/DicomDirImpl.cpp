@@ -4,15 +4,31 @@
 #include <string>
 
 #include "reading/DirectoryLocation.h"
+#include "reading/DirectoryReader.h"
+#include "service/DicomDirImage.h"
+#include "service/DicomDirPatient.h"
+#include "service/DicomDirSeries.h"
+#include "service/DicomDirStudy.h"
 #include "service/FailureBoundary.h"
 #include "support/TraceLog.h"
+#include "writing/DiscBuilder.h"
+#include "writing/ViewerPackage.h"
 
 namespace halvorine {
 namespace {
 
 constexpr std::uint32_t kHighestTraceLevel = 4;
 
+constexpr RecordCreators kRecordCreators = {&CreateObject<DicomDirPatient>,
+                                            &CreateObject<DicomDirStudy>,
+                                            &CreateObject<DicomDirSeries>,
+                                            &CreateObject<DicomDirImage>};
+
 }  // namespace
+
+DicomDirImpl::DicomDirImpl() { FillViewerFileList(); }
+
+DicomDirImpl::~DicomDirImpl() { EmptyViewerFileList(); }
 
 HRESULT DicomDirImpl::LoadDicomDir(BSTR bstrDirectoryName, SAFEARRAY** ppPatients) {
   return RunGuarded([&]() -> HRESULT {
@@ -27,14 +43,15 @@ HRESULT DicomDirImpl::LoadDicomDir(BSTR bstrDirectoryName, SAFEARRAY** ppPatient
     if (!FindDicomDirFile(bstrDirectoryName, &path)) {
       return ReportFailure(u"No DICOMDIR file found in the specified directory.", E_FAIL);
     }
-    // The record walk that turns the file into a tree is not built yet.
-    return ReportFailure(u"Reading a DICOMDIR is not implemented yet.", E_NOTIMPL);
+    DirectoryReader(recordOffsetIndex_, kRecordCreators, directoryName_.View())
+        .ReadDirectory(path, ppPatients);
+    return S_OK;
   });
 }
 
 HRESULT DicomDirImpl::CreateDicomDir(BSTR bstrDirectoryName, BSTR bstrTitle, SAFEARRAY* pPatients,
-                                     BSTR* pbstrOutputDirectory, VARIANT_BOOL /*bCopyViewer*/,
-                                     BSTR /*bstrCulture*/) {
+                                     BSTR* pbstrOutputDirectory, VARIANT_BOOL bCopyViewer,
+                                     BSTR bstrCulture) {
   return RunGuarded([&]() -> HRESULT {
     if (bstrDirectoryName == nullptr) {
       return ReportFailure(u"Unspecified directory name in the Halvorine.", E_POINTER);
@@ -46,8 +63,10 @@ HRESULT DicomDirImpl::CreateDicomDir(BSTR bstrDirectoryName, BSTR bstrTitle, SAF
     if (pbstrOutputDirectory == nullptr) {
       return ReportFailure(u"NULL output directory in the Halvorine.", E_POINTER);
     }
-    // The disc writer is not built yet.
-    return ReportFailure(u"Writing a disc is not implemented yet.", E_NOTIMPL);
+    DiscBuilder(FileSystem::Posix(), SettingsAccess::Process())
+        .BuildDisc(bstrDirectoryName, bstrTitle, pPatients, pbstrOutputDirectory, bCopyViewer,
+                   bstrCulture);
+    return S_OK;
   });
 }
 

@@ -4,6 +4,7 @@
 #include <halvorine/dicomdir.h>
 
 #include "platform/BString.h"
+#include "reading/DirectoryReader.h"
 #include "service/ComObject.h"
 
 namespace halvorine {
@@ -13,7 +14,10 @@ namespace halvorine {
 // keeps no tree between calls: each load or write starts from nothing.
 class DicomDirImpl final : public ComObject<IDicomDirImpl, IID_IDicomDirImpl> {
  public:
-  DicomDirImpl() = default;
+  // Making an instance fills the viewer's file list when it is empty; destroying any instance
+  // empties it.
+  DicomDirImpl();
+  ~DicomDirImpl() override;
 
   HRESULT LoadDicomDir(BSTR bstrDirectoryName, SAFEARRAY** ppPatients) override;
   HRESULT CreateDicomDir(BSTR bstrDirectoryName, BSTR bstrTitle, SAFEARRAY* pPatients,
@@ -24,6 +28,8 @@ class DicomDirImpl final : public ComObject<IDicomDirImpl, IID_IDicomDirImpl> {
  private:
   // The folder of the latest load that passed its argument checks: the root of its image paths.
   BString directoryName_;
+  // Filled and read by a load only; its entries lead nowhere once the load returns.
+  RecordOffsetIndex recordOffsetIndex_;
 };
 
 }  // namespace halvorine

@@ -13,6 +13,7 @@
 
 #include "ServiceTestSupport.h"
 #include "support/TextConversion.h"
+#include "writing/ViewerPackage.h"
 
 namespace halvorine {
 namespace {
@@ -102,6 +103,8 @@ struct FolderCase {
   // The message proper of a raised failure, after the folder and a '/'; none for a plain one.
   std::optional<std::string> raisedAfterFolder;
   std::string plainDescription;
+  // A text that the description of a lower layer's failure holds.
+  const char* contained = nullptr;
 };
 
 void PrintTo(const FolderCase& c, std::ostream* os) { *os << c.name; }
@@ -123,6 +126,8 @@ TEST_P(DicomDirImplFolders, LoadFindsTheFileOrSaysWhy) {
                  "Can't open file " + folder.path() + "/" + *GetParam().raisedAfterFolder);
   } else if (!GetParam().plainDescription.empty()) {
     EXPECT_EQ(description, GetParam().plainDescription);
+  } else {
+    EXPECT_NE(description.find(GetParam().contained), std::string::npos) << description;
   }
   EXPECT_EQ(patients.get(), nullptr) << "a failed load handed out a tree";
 }
@@ -146,12 +151,12 @@ INSTANTIATE_TEST_SUITE_P(
                                [](const fs::path& f) { fs::create_directory(f / "DICOMDIR"); },
                                E_FAIL, std::nullopt,
                                "No DICOMDIR file found in the specified directory."},
-                    // Until the record walk exists, a found file ends the load with E_NOTIMPL.
+                    // A found file that isn't DICOM reaches the parser, which refuses it.
                     FolderCase{"Found", [](const fs::path& f) { MakeFile(f / "DICOMDIR"); },
-                               E_NOTIMPL, std::nullopt, ""},
+                               E_FAIL, std::nullopt, "", "The parser buffer is NULL."},
                     FolderCase{"FoundInLowerCase",
-                               [](const fs::path& f) { MakeFile(f / "dicomdir"); }, E_NOTIMPL,
-                               std::nullopt, ""}),
+                               [](const fs::path& f) { MakeFile(f / "dicomdir"); }, E_FAIL,
+                               std::nullopt, "", "The parser buffer is NULL."}),
     [](const testing::TestParamInfo<FolderCase>& param) { return std::string(param.param.name); });
 
 struct CreateCase {
@@ -198,14 +203,34 @@ INSTANTIATE_TEST_SUITE_P(
         CreateCase{"Output", true, true, true, false, "NULL output directory in the Halvorine."}),
     [](const testing::TestParamInfo<CreateCase>& param) { return std::string(param.param.name); });
 
-TEST_F(DicomDirImplTest, CreateTakesANullCulture) {
+// The disc itself is the writer's affair (tests/writing); here, what reaches the host.
+TEST_F(DicomDirImplTest, CreateMakesTheDiscOrSaysWhyWithTheOutputSet) {
+  TempFolder folder;
+  ASSERT_FALSE(folder.path().empty());
   SafeArrayPtr patients = ArrayOf({});
-  BString output;
-  const HRESULT status =
-      service_->CreateDicomDir(Text(u"/tmp/out").get(), Text(u"T").get(), patients.get(),
-                               output.Receive(), VARIANT_FALSE, nullptr);
-  // Until the disc writer exists, passing the checks ends the call with E_NOTIMPL.
-  Failure(status, E_NOTIMPL);
+  const std::string missing = folder.path() + "/missing";
+  for (const std::string& directory : {folder.path(), missing}) {
+    BString output;
+    const HRESULT status =
+        service_->CreateDicomDir(Text(ToWide(directory)).get(), Text(u"T").get(), patients.get(),
+                                 output.Receive(), VARIANT_FALSE, nullptr);
+    EXPECT_EQ(ToNarrow(output.get()), directory + "/T");
+    if (directory == missing) {
+      ExpectRaised(Failure(status, E_FAIL),
+                   "Failed to create directory because the path was not found. \r\nThe "
+                   "directory name: " +
+                       missing + "/T");
+    } else {
+      EXPECT_EQ(status, S_OK) << ToNarrow(TakeFailureDescription());
+      EXPECT_TRUE(fs::is_regular_file(directory + "/T/DICOMDIR"));
+    }
+  }
+}
+
+TEST_F(DicomDirImplTest, AnInstanceFillsTheViewerListAndDestroyingAnyEmptiesIt) {
+  EXPECT_EQ(GetViewerFileList().size(), 11u);
+  Make<IDicomDirImpl>();
+  EXPECT_TRUE(GetViewerFileList().empty()) << "a second instance, gone, took the list with it";
 }
 
 TEST_F(DicomDirImplTest, InitializeTraceRefusesLevelsOutsideZeroToFour) {

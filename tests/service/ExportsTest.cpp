@@ -79,10 +79,5 @@ TEST_F(ExportsTest, CreateUnregisteredComInstanceRefusesWhatItCantGive) {
   EXPECT_EQ(CreateUnregisteredComInstance(nullptr, IID_IDicomDirImpl), E_POINTER);
 }
 
-TEST_F(ExportsTest, RegistrationIsNotImplementedYet) {
-  EXPECT_EQ(DllRegisterServer(), E_NOTIMPL);
-  EXPECT_EQ(DllUnregisterServer(), E_NOTIMPL);
-}
-
 }  // namespace
 }  // namespace halvorine

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "ServiceTestSupport.h"
+#include "platform/com/TempRegistry.h"
 
 namespace halvorine {
 namespace {
@@ -27,6 +28,28 @@ TEST_F(FailureBoundaryTest, ReportFailureMakesAFreshRecordAndGivesTheStatusBack)
   }
   EXPECT_EQ(ReportFailure(nullptr, E_FAIL), E_FAIL);
   EXPECT_EQ(TakeFailureDescription(), u"Unknown Error");
+}
+
+// The source of the record that ReportFailure leaves, or "(null)".
+std::u16string TakeSource() {
+  ComPtr<IErrorInfo> record;
+  if (GetErrorInfo(0, record.Receive()) != S_OK) return u"(no record)";
+  BString source;
+  EXPECT_EQ(record->GetSource(source.Receive()), S_OK);
+  return source.IsNull() ? u"(null)" : std::u16string(source.View());
+}
+
+TEST_F(FailureBoundaryTest, TheSourceIsTheRegisteredProgrammaticName) {
+  TempRegistry registry;
+  ASSERT_EQ(DllRegisterServer(), S_OK);
+  EXPECT_EQ(ReportFailure(u"x", E_FAIL), E_FAIL);
+  EXPECT_EQ(TakeSource(), u"DicomDir.DicomDirImpl.1");
+  ASSERT_EQ(DllUnregisterServer(), S_OK);
+  EXPECT_EQ(ReportFailure(u"x", E_FAIL), E_FAIL);
+  EXPECT_EQ(TakeSource(), u"(null)");
+  registry.Write("not a registry");
+  EXPECT_EQ(ReportFailure(u"x", E_FAIL), E_FAIL);
+  EXPECT_EQ(TakeSource(), u"(null)");
 }
 
 TEST_F(FailureBoundaryTest, SuccessLeavesNoRecord) {

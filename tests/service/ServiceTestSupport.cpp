@@ -1,6 +1,27 @@
 #include "ServiceTestSupport.h"
 
+#include <memory>
+
+#include "platform/com/TempRegistry.h"
+
 namespace halvorine {
+namespace {
+
+// The tests see a registry of their own, empty unless a test registers the component into one of
+// its own, so that no registration on the machine changes what they read.
+class EmptyRegistry : public testing::Environment {
+ public:
+  void SetUp() override { registry_ = std::make_unique<TempRegistry>(); }
+  void TearDown() override { registry_.reset(); }
+
+ private:
+  std::unique_ptr<TempRegistry> registry_;
+};
+
+[[maybe_unused]] testing::Environment* const emptyRegistry =
+    testing::AddGlobalTestEnvironment(new EmptyRegistry);
+
+}  // namespace
 
 void MakeObject(REFCLSID clsid, REFIID riid, void** out) {
   *out = nullptr;

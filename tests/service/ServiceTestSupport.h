@@ -73,7 +73,7 @@ std::vector<IUnknown*> Elements(SAFEARRAY* array);
 
 // The description in the calling thread's error record, taken over from GetErrorInfo, or
 // "(none)". Checks the fields that every record of the service has: the interface
-// IDicomDirImpl, no source while the class isn't registered, no help file, help context 0.
+// IDicomDirImpl, no help file, help context 0, and no source, since the tests' registry is empty.
 std::u16string TakeFailureDescription();
 
 // Every test of the service leaves no object of the component alive.

@@ -1,0 +1,155 @@
+// The type library's table, the public header and idl/DicomDir.idl tell of the same interfaces,
+// methods, arguments, classes and identifiers; each is parsed here on its own.
+#include "service/TypeLibrary.h"
+
+#include <halvorine/dicomdir.h>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "TempFolder.h"
+#include "service/RegistrationScripts.h"
+#include "support/TextConversion.h"
+
+namespace halvorine {
+namespace {
+
+struct Method {
+  std::string name;
+  std::vector<std::string> arguments;
+  std::string helpText;  // the IDL's only
+  bool operator==(const Method&) const = default;
+};
+
+struct Definition {
+  std::string name;
+  std::string uuid;
+  std::string helpText;
+  std::vector<Method> methods;
+};
+
+std::string Narrow(const char16_t* text) { return ToNarrow(text); }
+
+std::string Uuid(REFGUID guid) {
+  OLECHAR text[39];
+  StringFromGUID2(guid, text, 39);
+  return ToNarrow(std::u16string_view(text + 1, 36));
+}
+
+// The last identifier of each comma-separated argument, after [attributes] are dropped.
+std::vector<std::string> ArgumentNames(std::string arguments) {
+  arguments = std::regex_replace(arguments, std::regex(R"(\[[^\]]*\])"), "");
+  std::vector<std::string> names;
+  static const std::regex kLastName(R"((\w+)\s*$)");
+  std::smatch name;
+  for (std::size_t start = 0; start <= arguments.size();) {
+    const std::size_t comma = std::min(arguments.find(',', start), arguments.size());
+    const std::string argument = arguments.substr(start, comma - start);
+    if (std::regex_search(argument, name, kLastName)) names.push_back(name[1]);
+    start = comma + 1;
+  }
+  return names;
+}
+
+std::string Attribute(const std::string& attributes, const std::string& name) {
+  std::smatch value;
+  const std::regex form(name + R"(\(\"?([^\)\"]*)\"?\))");
+  return std::regex_search(attributes, value, form) ? value[1].str() : "(none)";
+}
+
+// The interfaces of the header in their order, with their methods in slot order.
+std::map<std::string, std::vector<Method>> HeaderInterfaces() {
+  const std::string text = ReadWholeFile(HEADER_PATH);
+  static const std::regex kInterface(R"(struct (\w+) : IUnknown \{([\s\S]*?)\n protected:)");
+  static const std::regex kMethod(R"(virtual HRESULT (\w+)\(([^\)]*)\) = 0;)");
+  std::map<std::string, std::vector<Method>> interfaces;
+  for (std::sregex_iterator at(text.begin(), text.end(), kInterface), end; at != end; ++at) {
+    const std::string body = (*at)[2];
+    std::vector<Method>& methods = interfaces[(*at)[1]];
+    for (std::sregex_iterator m(body.begin(), body.end(), kMethod); m != end; ++m) {
+      methods.push_back({(*m)[1], ArgumentNames((*m)[2]), ""});
+    }
+  }
+  return interfaces;
+}
+
+std::vector<Definition> IdlDefinitions(const std::string& kind) {
+  const std::string text = ReadWholeFile(IDL_PATH);
+  const std::regex definition(R"(\[([^\]]*)\]\s*)" + kind + R"( (\w+)[^\{;]*\{([\s\S]*?)\n\s*\};)");
+  static const std::regex kMethod(R"(\[([^\]]*)\]\s*HRESULT (\w+)\(([^;]*)\);)");
+  std::vector<Definition> definitions;
+  for (std::sregex_iterator at(text.begin(), text.end(), definition), end; at != end; ++at) {
+    Definition entry{(*at)[2], Attribute((*at)[1], "uuid"), Attribute((*at)[1], "helpstring"), {}};
+    const std::string body = (*at)[3];
+    for (std::sregex_iterator m(body.begin(), body.end(), kMethod); m != end; ++m) {
+      entry.methods.push_back(
+          {(*m)[2], ArgumentNames((*m)[3]), Attribute((*m)[1].str(), "helpstring")});
+    }
+    definitions.push_back(entry);
+  }
+  return definitions;
+}
+
+TEST(TypeLibrary, InterfacesAgreeWithTheHeaderAndTheIdl) {
+  const TypeLibrary& library = DicomDirLib();
+  const auto header = HeaderInterfaces();
+  const std::vector<Definition> idl = IdlDefinitions("interface");
+  ASSERT_EQ(idl.size(), library.interfaces.size());
+  EXPECT_EQ(header.size(), library.interfaces.size());
+  for (std::size_t i = 0; i < idl.size(); ++i) {
+    const TypeLibraryInterface& entry = library.interfaces[i];
+    const std::string name = Narrow(entry.name);
+    SCOPED_TRACE(name);
+    EXPECT_EQ(idl[i].name, name);
+    EXPECT_EQ(idl[i].uuid, Uuid(entry.iid));
+    EXPECT_EQ(idl[i].helpText, ToNarrow(InterfaceHelpText(entry)));
+    ASSERT_EQ(header.count(name), 1u);
+    const std::vector<Method>& declared = header.at(name);
+    ASSERT_EQ(entry.methods.size(), declared.size());
+    ASSERT_EQ(idl[i].methods.size(), declared.size());
+    for (std::size_t slot = 0; slot < declared.size(); ++slot) {
+      const Method& defined = idl[i].methods[slot];
+      EXPECT_EQ(Narrow(entry.methods[slot]), declared[slot].name) << "slot " << slot;
+      EXPECT_EQ(defined.name, declared[slot].name) << "slot " << slot;
+      EXPECT_EQ(defined.arguments, declared[slot].arguments) << defined.name;
+      EXPECT_EQ(defined.helpText, ToNarrow(MethodHelpText(entry.methods[slot])));
+    }
+  }
+}
+
+TEST(TypeLibrary, HeadsTheIdlsLibraryInItsOrder) {
+  const TypeLibrary& library = DicomDirLib();
+  EXPECT_EQ(library.lcid, 0x409u);
+  EXPECT_EQ(MethodHelpText(u"LoadDicomDir"), u"method LoadDicomDir");
+
+  const std::string text = ReadWholeFile(IDL_PATH);
+  std::smatch head;
+  ASSERT_TRUE(std::regex_search(text, head, std::regex(R"(\[([^\]]*)\]\s*library (\w+))")));
+  EXPECT_EQ(head[2], Narrow(library.name));
+  EXPECT_EQ(Attribute(head[1], "uuid"), Uuid(library.libid));
+  EXPECT_EQ(Attribute(head[1], "version"),
+            std::to_string(library.majorVersion) + "." + std::to_string(library.minorVersion));
+  EXPECT_EQ(Attribute(head[1], "lcid"), "0x409");
+  EXPECT_EQ(Attribute(head[1], "helpstring"), Narrow(library.helpText));
+
+  const std::vector<Definition> classes = IdlDefinitions("coclass");
+  ASSERT_EQ(classes.size(), library.classes.size());
+  for (std::size_t i = 0; i < classes.size(); ++i) {
+    const CLSID& clsid = *library.classes[i];
+    const ClassRegistration* registration = nullptr;
+    for (const ClassRegistration& entry : RegisteredClasses()) {
+      if (IsEqualCLSID(entry.clsid, clsid)) registration = &entry;
+    }
+    ASSERT_NE(registration, nullptr);
+    EXPECT_EQ(classes[i].name, Narrow(registration->name));
+    EXPECT_EQ(classes[i].uuid, Uuid(clsid));
+    EXPECT_EQ(classes[i].helpText, Narrow(registration->description));
+  }
+}
+
+}  // namespace
+}  // namespace halvorine
