@@ -19,7 +19,8 @@ export HALVORINE_REGISTRY=$work/registry.reg
 flags="$flags -Wall -Wextra -Werror"
 
 # Runs by_name on an empty folder: the load must fail for want of a DICOMDIR there, through an
-# error record whose source is the registered name.
+# error record whose source is the registered name. Then it loads the sample disc, with the
+# installed data files beside it as a host keeps them.
 check_by_name() {
   local host=$1
   if readelf -d "$host" | grep -q 'NEEDED.*libdicomdir'; then
@@ -34,7 +35,12 @@ check_by_name() {
   failure+=" File=DicomDirImpl, Line=[0-9]+\"></exception>\$"
   [ "$status" -eq 1 ] &&
     grep -qx 'by_name: source DicomDir.DicomDirImpl.1' "$work/by_name.out" &&
-    grep -qE "$failure" "$work/by_name.out"
+    grep -qE "$failure" "$work/by_name.out" || return 1
+  cp "$prefix"/share/halvorine/* "$(dirname "$host")/"
+  "$host" "$examples/../data/sample-disc" >"$work/by_name.out"
+  cat "$work/by_name.out"
+  grep -qx 'by_name: [1-9][0-9]* patients' "$work/by_name.out" &&
+    grep -qx 'by_name: PID001 Sample^Alice' "$work/by_name.out"
 }
 
 echo "-- register the installed component"
