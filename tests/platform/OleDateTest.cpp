@@ -31,60 +31,40 @@ constexpr std::int64_t kLastDay = 2958465;   // 31 December 9999
 struct KnownDate {
   SystemTime fields;
   double date;
+  bool bothWays = true;  // else from the number to the fields only, which rounds
 };
 
 // Day numbers from Python's proleptic Gregorian datetime.date.
 const KnownDate kKnownDates[] = {
     {{1899, 12, 30}, 0.0},
-    {{1900, 1, 1}, 2.0},
     {{1900, 3, 1}, 61.0},  // 1900 is no leap year for OLE dates
-    {{2000, 2, 29}, 36585.0},
     {{2024, 3, 9, 12, 5, 30}, 45360.0 + 43530 / kDay},
     {{1899, 12, 30, 6, 0, 0}, 0.25},
     {{1899, 12, 29, 6, 0, 0}, -1.25},
     {{1800, 1, 1, 18, 0, 0}, -36522.75},
-    {{1582, 10, 4}, -115869.0},
-    {{1582, 10, 10}, -115863.0},  // no gap in the proleptic calendar
-    {{1582, 10, 15}, -115858.0},
     {{100, 1, 1}, static_cast<double>(kFirstDay)},
     {{100, 1, 1, 12, 0, 0}, kFirstDay - 0.5},
     {{9999, 12, 31}, static_cast<double>(kLastDay)},
     {{9999, 12, 31, 23, 59, 59}, kLastDay + 86399 / kDay},
+    {{2024, 3, 9, 12, 5, 30}, 45360.0 + 43530.4 / kDay, false},
+    {{2024, 3, 9, 12, 5, 31}, 45360.0 + 43530.6 / kDay, false},
+    {{2024, 3, 10, 0, 0, 0}, 45360.0 + 86399.6 / kDay, false},
+    {{1899, 12, 29, 6, 0, 1}, -1.0 - 21600.7 / kDay, false},
+    {{1899, 12, 30, 0, 0, 0}, -1.0 - 86399.6 / kDay, false},  // the end of 29 December
+    {{1899, 12, 30, 6, 0, 0}, -0.25, false},                  // the whole part is 0 either way
+    {{100, 1, 2, 0, 0, 0}, kFirstDay - 0.99999999, false},
 };
 
-TEST(OleDateTest, KnownDatesMapBothWays) {
+TEST(OleDateTest, KnownDatesMapToTheNearestSecond) {
   for (const KnownDate& known : kKnownDates) {
-    double date = 0.0;
-    ASSERT_TRUE(SystemTimeToVariantTime(known.fields, &date)) << known.fields;
-    EXPECT_DOUBLE_EQ(date, known.date) << known.fields;
+    if (known.bothWays) {
+      double date = 0.0;
+      ASSERT_TRUE(SystemTimeToVariantTime(known.fields, &date)) << known.fields;
+      EXPECT_DOUBLE_EQ(date, known.date) << known.fields;
+    }
     SystemTime fields;
     ASSERT_TRUE(VariantTimeToSystemTime(known.date, &fields)) << known.date;
     EXPECT_EQ(fields, known.fields) << known.date;
-  }
-}
-
-TEST(OleDateTest, MillisecondsAreIgnoredOnTheWayToTheNumber) {
-  double withMilliseconds = 0.0;
-  double without = 0.0;
-  ASSERT_TRUE(SystemTimeToVariantTime({2024, 3, 9, 12, 5, 30, 999}, &withMilliseconds));
-  ASSERT_TRUE(SystemTimeToVariantTime({2024, 3, 9, 12, 5, 30, 0}, &without));
-  EXPECT_EQ(withMilliseconds, without);
-}
-
-TEST(OleDateTest, RoundsToTheNearestSecond) {
-  const KnownDate cases[] = {
-      {{2024, 3, 9, 12, 5, 30}, 45360.0 + 43530.4 / kDay},
-      {{2024, 3, 9, 12, 5, 31}, 45360.0 + 43530.6 / kDay},
-      {{2024, 3, 10, 0, 0, 0}, 45360.0 + 86399.6 / kDay},
-      {{1899, 12, 29, 6, 0, 1}, -1.0 - 21600.7 / kDay},
-      {{1899, 12, 30, 0, 0, 0}, -1.0 - 86399.6 / kDay},  // the end of 29 December
-      {{1899, 12, 30, 6, 0, 0}, -0.25},                  // the whole part is 0 either way
-      {{100, 1, 2, 0, 0, 0}, kFirstDay - 0.99999999},
-  };
-  for (const KnownDate& c : cases) {
-    SystemTime fields;
-    ASSERT_TRUE(VariantTimeToSystemTime(c.date, &fields)) << c.date;
-    EXPECT_EQ(fields, c.fields) << c.date;
   }
 }
 
@@ -120,6 +100,7 @@ TEST(OleDateTest, RefusesFieldsOutsideTheirRange) {
 }
 
 // Every day of the range, each at another time of day, against glibc's proleptic gmtime_r.
+// Milliseconds are ignored on the way to the number and come back as 0.
 TEST(OleDateTest, EveryDayRoundTripsAndAgreesWithGmtime) {
   for (std::int64_t day = kFirstDay; day <= kLastDay; ++day) {
     const std::int64_t second = (day * 7919 % 86400 + 86400) % 86400;
@@ -128,8 +109,10 @@ TEST(OleDateTest, EveryDayRoundTripsAndAgreesWithGmtime) {
     ASSERT_NE(gmtime_r(&moment, &broken), nullptr);
     const SystemTime expected{broken.tm_year + 1900, broken.tm_mon + 1, broken.tm_mday,
                               broken.tm_hour,        broken.tm_min,     broken.tm_sec};
+    SystemTime withMilliseconds = expected;
+    withMilliseconds.milliseconds = static_cast<int>(day % 1000 + 999) % 1000;
     double date = 0.0;
-    ASSERT_TRUE(SystemTimeToVariantTime(expected, &date)) << expected;
+    ASSERT_TRUE(SystemTimeToVariantTime(withMilliseconds, &date)) << expected;
     ASSERT_EQ(std::trunc(date), static_cast<double>(day)) << expected;
     ASSERT_NEAR(std::fabs(date - std::trunc(date)) * kDay, static_cast<double>(second), 1e-3)
         << expected;

@@ -39,36 +39,30 @@ TEST(MyExceptionTest, AMessageLongerThanTheBufferIsCut) {
   const std::string huge(5000, 'h');
   EXPECT_EQ(RaisedMessage([&] { Raise("U", 1, "%s", huge.c_str()); }),
             std::string(kMessageBufferSize - 1, 'h'));
-}
-
-TEST(MyExceptionTest, FormatBoundedCutsAtTheBufferSize) {
+  // A text formatted on its own is cut at its own buffer size, with no NUL kept.
   EXPECT_EQ(FormatBounded(8, "%s", "abcdefghij"), "abcdefg");
-  EXPECT_EQ(FormatBounded(8, "%s", "abcdefg"), "abcdefg");
-  EXPECT_EQ(FormatBounded(128, "The unmanaged trace level is: %d", 3),
-            "The unmanaged trace level is: 3");
-  EXPECT_EQ(FormatBounded(1, "%s", "abc"), "");
 }
 
-TEST(MyExceptionTest, ToXmlWithoutNesting) {
-  EXPECT_EQ(MyException("Can't open file /a/DICOMDIR").ToXml(),
-            u"<exception Message=\"Can't open file /a/DICOMDIR\"></exception>");
-  EXPECT_EQ(MyException("").ToXml(), u"<exception Message=\"\"></exception>");
-}
-
-TEST(MyExceptionTest, ToXmlNestsTwoLevelsDeep) {
+// Nested failures close one after the other; the message goes in unescaped and wide.
+TEST(MyExceptionTest, ToXml) {
   const MyException inner("inner");
   const MyException middle("middle", inner);
-  const MyException outer("outer", middle);
-  EXPECT_EQ(outer.ToXml(),
-            u"<exception Message=\"outer\"><exception Message=\"middle\">"
-            u"<exception Message=\"inner\"></exception></exception></exception>");
-}
-
-TEST(MyExceptionTest, ToXmlInsertsTheMessageUnescapedAndWide) {
-  EXPECT_EQ(MyException("say \"hi\" <b> & 'x'\r\n").ToXml(),
-            u"<exception Message=\"say \"hi\" <b> & 'x'\r\n\"></exception>");
-  EXPECT_EQ(MyException("Gr\xC3\xB6\xC3\x9F \xE2\x82\xAC").ToXml(),
-            u"<exception Message=\"Gr\u00F6\u00DF \u20AC\"></exception>");
+  const struct {
+    MyException failure;
+    std::u16string xml;
+  } cases[] = {
+      {MyException("Can't open file /a/DICOMDIR"),
+       u"<exception Message=\"Can't open file /a/DICOMDIR\"></exception>"},
+      {MyException(""), u"<exception Message=\"\"></exception>"},
+      {MyException("outer", middle),
+       u"<exception Message=\"outer\"><exception Message=\"middle\">"
+       u"<exception Message=\"inner\"></exception></exception></exception>"},
+      {MyException("say \"hi\" <b> & 'x'\r\n"),
+       u"<exception Message=\"say \"hi\" <b> & 'x'\r\n\"></exception>"},
+      {MyException("Gr\xC3\xB6\xC3\x9F \xE2\x82\xAC"),
+       u"<exception Message=\"Gr\u00F6\u00DF \u20AC\"></exception>"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(c.failure.ToXml(), c.xml) << c.failure.what();
 }
 
 TEST(MyExceptionTest, CopiesAreDeepAndOutliveTheirSource) {

@@ -76,6 +76,8 @@ TEST_F(DicomDictionaryTest, ReadsTheLineFormat) {
       {"(0008,0005) VR=\"CS\r\n(0008,0006) VR=\"SH\r", 0x0008, 0x0005, "CS"},
       {"(0008,0005) VR=\"CS\r\n(0008,0006) VR=\"SH\r", 0x0008, 0x0006, "SH\r"},
       {"(0008,0005) VR=\"CS\" \r\n\r\n(0008,0006) VR=\"SH\"\n", 0x0008, 0x0006, "SH"},
+      {"REM a comment\n\nREMARK (0008,0005) VR=\"CS\"\r\nREM\n", 0x0008, 0x0005, "UN"},
+      {"(0029,1010) Owner=\"A\"\n(0029,1010) Owner=\"B\"", 0x0029, 0x1010, "UN"},
   };
   for (const LineCase& line : cases) {
     DicomDictionary dictionary;
@@ -83,11 +85,6 @@ TEST_F(DicomDictionaryTest, ReadsTheLineFormat) {
     dictionary.LoadDictionary(path_);
     EXPECT_EQ(dictionary.GetVR(line.group, line.element), line.vr) << line.content;
   }
-}
-
-TEST_F(DicomDictionaryTest, CommentsAndEmptyLinesGiveAnEmptyDictionary) {
-  EXPECT_EQ(Load("REM a comment\n\nREMARK (0008,0005) VR=\"CS\"\r\nREM\n"), kNothingRaised);
-  EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0005), "UN");
 }
 
 struct FailureCase {
@@ -124,60 +121,34 @@ TEST_F(DicomDictionaryTest, BadLinesFailWithTheirTexts) {
   }
 }
 
-TEST_F(DicomDictionaryTest, OneTagUnderTwoOwnersLoads) {
-  EXPECT_EQ(Load("(0029,1010) Owner=\"A\"\n(0029,1010) Owner=\"B\""), kNothingRaised);
-}
-
 TEST_F(DicomDictionaryTest, AValueOfBlanksAloneIsAStandardFailure) {
   halvorine::WriteWholeFile(path_, "(0008,0005) VR=\"   \"");
   EXPECT_THROW(dictionary_.LoadDictionary(path_), std::out_of_range);
 }
 
-TEST_F(DicomDictionaryTest, APartialLoadStays) {
-  EXPECT_TRUE(IsPlaced(Load("(0008,0005) VR=\"CS\"\n(0008\n(0008,0006) VR=\"SH\""),
-                       "The dictionary group element section is not well formatted.", kUnit));
+// The name is kept before the file is read: a bad line keeps the entries before it, the same name
+// again reads nothing, and another name fails.
+TEST_F(DicomDictionaryTest, LoadsOneFileOnceAndKeepsAPartialLoad) {
+  EXPECT_PRED3(IsPlaced, RaisedMessage([&] { dictionary_.LoadDictionary(""); }),
+               "The DICOM dictionary file name is NULL or empty.", kUnit);
+  EXPECT_PRED3(IsPlaced, Load("(0008,0005) VR=\"CS\"\n(0008\n(0008,0006) VR=\"SH\""),
+               "The dictionary group element section is not well formatted.", kUnit);
   EXPECT_EQ(Load("(0008,0006) VR=\"SH\""), kNothingRaised);
   EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0005), "CS");
   EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0006), "UN");
-}
-
-TEST_F(DicomDictionaryTest, TheSameNameIsReadOnce) {
-  EXPECT_EQ(Load("(0008,0005) VR=\"CS\""), kNothingRaised);
-  EXPECT_EQ(Load("(0008,0005) VR=\"SH\"\n(0008,0006) VR=\"SH\""), kNothingRaised);
-  EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0005), "CS");
-  EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0006), "UN");
-}
-
-TEST_F(DicomDictionaryTest, ASecondNameFails) {
-  EXPECT_EQ(Load(""), kNothingRaised);
   const std::string other = temp_.Path("other.txt");
-  EXPECT_TRUE(IsPlaced(RaisedMessage([&] { dictionary_.LoadDictionary(other); }),
-                       "Already loaded the " + path_ +
-                           " dictionary file.\r\nAttempt to load a  second different DICOM "
-                           "compatibility file: " +
-                           other + ".",
-                       kUnit));
+  EXPECT_PRED3(IsPlaced, RaisedMessage([&] { dictionary_.LoadDictionary(other); }),
+               "Already loaded the " + path_ +
+                   " dictionary file.\r\nAttempt to load a  second different DICOM "
+                   "compatibility file: " +
+                   other + ".",
+               kUnit);
 }
 
 TEST_F(DicomDictionaryTest, AMissingFileCountsAsLoaded) {
   EXPECT_EQ(RaisedMessage([&] { dictionary_.LoadDictionary(path_); }), kNothingRaised);
   EXPECT_EQ(Load("(0008,0005) VR=\"CS\""), kNothingRaised);
   EXPECT_EQ(dictionary_.GetVR(0x0008, 0x0005), "UN");
-}
-
-TEST_F(DicomDictionaryTest, AnEmptyNameFails) {
-  EXPECT_TRUE(IsPlaced(RaisedMessage([&] { dictionary_.LoadDictionary(""); }),
-                       "The DICOM dictionary file name is NULL or empty.", kUnit));
-}
-
-TEST_F(DicomDictionaryTest, ABareNameIsLookedForBesideTheExecutable) {
-  EXPECT_EQ(RaisedMessage([&] { dictionary_.LoadDictionary("no_such_dictionary.txt"); }),
-            kNothingRaised);
-  EXPECT_EQ(
-      RaisedMessage([&] {
-        dictionary_.LoadDictionary(halvorine::GetModuleDirectory() + "no_such_dictionary.txt");
-      }),
-      kNothingRaised);
 }
 
 TEST_F(DicomDictionaryTest, UnknownTagsAreUnknownOrGroupLengthsAndTraced) {
@@ -242,88 +213,26 @@ struct StandardTag {
 };
 
 TEST(ShippedDictionaryTest, GivesTheStandardsVRForEachGroup) {
+  // Last, tags whose standard VR has no class of the parser, given the code that reads the value
+  // whole, and tags left out: items, retired repeating families, private groups.
   const StandardTag tags[] = {
-      {0x0000, 0x0100, "US"},
-      {0x0002, 0x0000, "UL"},
-      {0x0002, 0x0001, "OB"},
-      {0x0002, 0x0002, "UI"},
-      {0x0002, 0x0010, "UI"},
-      {0x0002, 0x0013, "SH"},
-      {0x0002, 0x0016, "AE"},
-      {0x0004, 0x1130, "CS"},
-      {0x0004, 0x1200, "UL"},
-      {0x0004, 0x1202, "UL"},
-      {0x0004, 0x1212, "US"},
-      {0x0004, 0x1220, "SQ"},
-      {0x0004, 0x1400, "UL"},
-      {0x0004, 0x1410, "US"},
-      {0x0004, 0x1420, "UL"},
-      {0x0004, 0x1430, "CS"},
-      {0x0004, 0x1500, "CS"},
-      {0x0004, 0x1510, "UI"},
-      {0x0004, 0x1511, "UI"},
-      {0x0004, 0x1512, "UI"},
-      {0x0008, 0x0005, "CS"},
-      {0x0008, 0x0016, "UI"},
-      {0x0008, 0x0020, "DA"},
-      {0x0008, 0x002A, "DT"},
-      {0x0008, 0x0030, "TM"},
-      {0x0008, 0x0050, "SH"},
-      {0x0008, 0x0081, "ST"},
-      {0x0008, 0x0090, "PN"},
-      {0x0008, 0x1030, "LO"},
-      {0x0008, 0x1115, "SQ"},
-      {0x0010, 0x0010, "PN"},
-      {0x0010, 0x0020, "LO"},
-      {0x0010, 0x0030, "DA"},
-      {0x0010, 0x1010, "AS"},
-      {0x0010, 0x1030, "DS"},
-      {0x0018, 0x0050, "DS"},
-      {0x0018, 0x6020, "SL"},
-      {0x0018, 0x9087, "FD"},
-      {0x0018, 0x9810, "US or SS"},
-      {0x0020, 0x000D, "UI"},
-      {0x0020, 0x0011, "IS"},
-      {0x0020, 0x4000, "LT"},
-      {0x0028, 0x0009, "AT"},
-      {0x0028, 0x0010, "US"},
-      {0x0028, 0x0106, "US or SS"},
-      {0x0028, 0x1201, "OW"},
-      {0x0032, 0x1060, "LO"},
-      {0x0040, 0xA040, "CS"},
-      {0x0040, 0xA160, "UT"},
-      {0x0040, 0xA730, "SQ"},
-      {0x0054, 0x0081, "US"},
-      {0x0070, 0x0022, "FL"},
-      {0x0088, 0x0200, "SQ"},
-      {0x3006, 0x0050, "DS"},
-      {0x300A, 0x00B0, "SQ"},
-      {0x5200, 0x9229, "SQ"},
-      {0x5400, 0x1010, "OW/OB"},
-      {0x6000, 0x0010, "US"},
-      {0x6000, 0x0050, "SS"},
-      {0x6000, 0x3000, "OW/OB"},
-      {0x601E, 0x0040, "CS"},
-      {0x60FE, 0x3000, "OW/OB"},
-      {0x7FE0, 0x0010, "OW/OB"},
-      {0xFFFA, 0xFFFA, "SQ"},
-      {0xFFFC, 0xFFFC, "OB"},
-      // The standard's VR has no class of the parser: the code that reads the value whole.
-      {0x0008, 0x0119, "UT"},
-      {0x0008, 0x1190, "UT"},
-      {0x0028, 0x3006, "OW"},
-      {0x0066, 0x0040, "OB"},
-      {0x0072, 0x0082, "OB"},
-      {0x7FE0, 0x0001, "OB"},
-      {0x7FE0, 0x0008, "OB"},
-      // Left out: items, retired repeating families, private groups.
-      {0xFFFE, 0xE000, "UN"},
-      {0x5000, 0x0005, "UN"},
-      {0x6000, 0x0012, "UN"},
-      {0x7F00, 0x0010, "UN"},
-      {0x0020, 0x3100, "UN"},
-      {0x0009, 0x0010, "UN"},
-  };
+      {0x0002, 0x0000, "UL"},       {0x0002, 0x0001, "OB"},    {0x0002, 0x0010, "UI"},
+      {0x0002, 0x0016, "AE"},       {0x0004, 0x1130, "CS"},    {0x0004, 0x1200, "UL"},
+      {0x0004, 0x1212, "US"},       {0x0004, 0x1220, "SQ"},    {0x0004, 0x1400, "UL"},
+      {0x0004, 0x1410, "US"},       {0x0004, 0x1430, "CS"},    {0x0004, 0x1500, "CS"},
+      {0x0004, 0x1511, "UI"},       {0x0008, 0x0020, "DA"},    {0x0008, 0x002A, "DT"},
+      {0x0008, 0x0030, "TM"},       {0x0008, 0x0050, "SH"},    {0x0008, 0x0081, "ST"},
+      {0x0010, 0x0010, "PN"},       {0x0010, 0x0020, "LO"},    {0x0010, 0x1010, "AS"},
+      {0x0010, 0x1030, "DS"},       {0x0018, 0x6020, "SL"},    {0x0018, 0x9087, "FD"},
+      {0x0018, 0x9810, "US or SS"}, {0x0020, 0x000D, "UI"},    {0x0020, 0x4000, "LT"},
+      {0x0028, 0x0009, "AT"},       {0x0028, 0x0010, "US"},    {0x0028, 0x1201, "OW"},
+      {0x0040, 0xA160, "UT"},       {0x0070, 0x0022, "FL"},    {0x0088, 0x0200, "SQ"},
+      {0x6000, 0x0050, "SS"},       {0x6000, 0x3000, "OW/OB"}, {0x60FE, 0x3000, "OW/OB"},
+      {0x7FE0, 0x0010, "OW/OB"},    {0xFFFA, 0xFFFA, "SQ"},    {0xFFFC, 0xFFFC, "OB"},
+      {0x0008, 0x0119, "UT"},       {0x0028, 0x3006, "OW"},    {0x0072, 0x0082, "OB"},
+      {0x7FE0, 0x0001, "OB"},       {0xFFFE, 0xE000, "UN"},    {0x5000, 0x0005, "UN"},
+      {0x6000, 0x0012, "UN"},       {0x7F00, 0x0010, "UN"},    {0x0020, 0x3100, "UN"},
+      {0x0009, 0x0010, "UN"}};
   DicomDictionary dictionary;
   dictionary.LoadDictionary(kShippedFile);
   for (const StandardTag& tag : tags) {

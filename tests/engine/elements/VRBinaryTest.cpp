@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
+#include <utility>
 
 #include "RaisedMessage.h"
+#include "engine/elements/VRSequence.h"
 #include "engine/encoding/HexText.h"
 
 namespace DicomEngine {
@@ -27,14 +28,21 @@ TEST(VRBinaryTest, GetPixelDataGivesACopyOfTheBlockOrNull) {
   EXPECT_EQ(count, 0u);
 }
 
+// A fragment sequence answers in the same way, under its own unit.
 TEST(VRBinaryTest, GetPixelDataRefusesNullPointers) {
-  const VRBinary element("OB", 0x7FE0, 0x0010, 0, nullptr);
+  const VRBinary binary("OB", 0x7FE0, 0x0010, 0, nullptr);
+  const VRSequence sequence("OB", 0x7FE0, 0x0010, 0);
+  const std::pair<const PixelDataContainer*, const char*> cases[] = {{&binary, "VRBinary"},
+                                                                     {&sequence, "VRSequence"}};
   std::unique_ptr<std::uint8_t[]> data;
   std::uint32_t count = 0;
-  for (auto action : {std::function<void()>([&] { element.GetPixelData(nullptr, &count); }),
-                      std::function<void()>([&] { element.GetPixelData(&data, nullptr); })}) {
-    EXPECT_PRED3(halvorine::IsPlaced, halvorine::RaisedMessage(action),
-                 "The Pixel data buffer pointer is NULL.", "VRBinary");
+  for (const auto& c : cases) {
+    EXPECT_PRED3(halvorine::IsPlaced,
+                 halvorine::RaisedMessage([&] { c.first->GetPixelData(nullptr, &count); }),
+                 "The Pixel data buffer pointer is NULL.", c.second);
+    EXPECT_PRED3(halvorine::IsPlaced,
+                 halvorine::RaisedMessage([&] { c.first->GetPixelData(&data, nullptr); }),
+                 "The Pixel data buffer pointer is NULL.", c.second);
   }
 }
 

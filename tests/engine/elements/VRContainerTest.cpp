@@ -60,11 +60,7 @@ TEST(VRContainerTest, FindAndAppendFollowTheDuplicateRule) {
                kReinsertXY, "VRContainer");
   EXPECT_NE(duplicate, nullptr) << "a refused element stays with the caller";
   EXPECT_EQ(data.Elements().size(), 3u);
-}
-
-TEST(VRContainerTest, TheReinsertMessageIsCutAt256Bytes) {
-  DicomData data(false);
-  data.Append(Text({0x0010, 0x0010}), true);
+  // The message is cut at 256 bytes.
   const std::string start =
       "Attempt to reinsert an existing VR. \r\nVR= (0010, 0010) VR=LO Length=400<=>0x190 Value=[";
   EXPECT_PRED3(IsPlaced, RaisedMessage([&] {
