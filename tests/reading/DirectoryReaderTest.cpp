@@ -61,28 +61,6 @@ class DirectoryReaderTest : public ::testing::Test {
   TempFolder folder_;
 };
 
-TEST_F(DirectoryReaderTest, EveryEncodingAndOrderGivesTheSameTree) {
-  const std::vector<VariantRecord> records = MakeTree(2, 2, 1, 2);
-  const std::string expected = Tree(records, {});
-  ASSERT_NE(expected.find("    IMAGE file=" + folder_.Path() + "/IMAGES/P2S2R1I2 "),
-            std::string::npos)
-      << expected;
-  std::vector<int> reversed;
-  for (int i = static_cast<int>(records.size()) - 1; i >= 0; --i) reversed.push_back(i);
-  for (const bool implicitVR : {false, true}) {
-    for (const bool preamble : {false, true}) {
-      for (const bool undefinedItems : {false, true}) {
-        SCOPED_TRACE(::testing::Message() << "implicit " << implicitVR << " preamble " << preamble
-                                          << " undefined " << undefinedItems);
-        std::vector<VariantRecord> withIcons = records;
-        for (VariantRecord& record : withIcons) record.iconImage = undefinedItems;
-        const VariantLayout layout{implicitVR, preamble, undefinedItems, reversed};
-        EXPECT_EQ(Tree(withIcons, layout), expected);
-      }
-    }
-  }
-}
-
 TEST_F(DirectoryReaderTest, RootOfZeroLeavesTheArrayAsItWas) {
   VariantLayout layout;
   layout.root = -1;

@@ -192,14 +192,9 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         CreateCase{"AllNull", false, false, false, false,
                    "Unspecified directory name in the Halvorine."},
-        CreateCase{"Directory", false, true, true, true,
-                   "Unspecified directory name in the Halvorine."},
         CreateCase{"TitleBeforeArray", true, false, false, false,
                    "Unspecified CD package title in the Halvorine."},
-        CreateCase{"Title", true, false, true, true,
-                   "Unspecified CD package title in the Halvorine."},
         CreateCase{"ArrayBeforeOutput", true, true, false, false, "NULL array in the Halvorine."},
-        CreateCase{"Array", true, true, false, true, "NULL array in the Halvorine."},
         CreateCase{"Output", true, true, true, false, "NULL output directory in the Halvorine."}),
     [](const testing::TestParamInfo<CreateCase>& param) { return std::string(param.param.name); });
 

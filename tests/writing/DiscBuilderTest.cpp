@@ -222,17 +222,6 @@ TEST_F(DiscBuilderTest, ANullElementEndsTheWalk) {
   EXPECT_EQ(Entries(disc_), (std::vector<std::string>{"DICOM", "DICOM/PA0"}));
 }
 
-TEST_F(DiscBuilderTest, AMissingParentIsReportedAtOnce) {
-  const std::string message = Build(MakeTree({}, source_).get(), temp_.Path("missing"));
-  EXPECT_TRUE(IsPlaced(message,
-                       "Failed to create directory because the path was not found. \r\nThe "
-                       "directory name: " +
-                           temp_.Path("missing/Disc"),
-                       "DicomDirImpl"))
-      << message;
-  EXPECT_EQ(Output(), temp_.Path("missing/Disc"));
-}
-
 TEST_F(DiscBuilderTest, ASecondDiscOfTheSameNameReplacesNoFile) {
   ASSERT_EQ(Build(MakeTree({{{1}}}, source_).get(), temp_.Path()), "nothing raised");
   const std::string first = ReadWholeFile(disc_ + "/DICOMDIR");
