@@ -6,7 +6,7 @@
 #include "UnregisterCommand.h"
 
 int main(int argc, char** argv) {
-  CLI::App app("Registers in-process components in the registry of classes");
+  CLI::App app("Loads DICOMDIR discs and registers in-process components");
   app.require_subcommand(1);
   int exitCode = 0;
   halvorine::AddRegisterCommand(app, &exitCode);
