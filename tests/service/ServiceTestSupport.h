@@ -18,33 +18,21 @@
 
 namespace halvorine {
 
+// The class and interface identifiers of each class's own interface.
 template <class Interface>
 struct ClassOf;
-template <>
-struct ClassOf<IDicomDirImpl> {
-  static constexpr const CLSID& clsid = CLSID_DicomDirImpl;
-  static constexpr const IID& iid = IID_IDicomDirImpl;
-};
-template <>
-struct ClassOf<IDicomDirPatient> {
-  static constexpr const CLSID& clsid = CLSID_DicomDirPatient;
-  static constexpr const IID& iid = IID_IDicomDirPatient;
-};
-template <>
-struct ClassOf<IDicomDirStudy> {
-  static constexpr const CLSID& clsid = CLSID_DicomDirStudy;
-  static constexpr const IID& iid = IID_IDicomDirStudy;
-};
-template <>
-struct ClassOf<IDicomDirSeries> {
-  static constexpr const CLSID& clsid = CLSID_DicomDirSeries;
-  static constexpr const IID& iid = IID_IDicomDirSeries;
-};
-template <>
-struct ClassOf<IDicomDirImage> {
-  static constexpr const CLSID& clsid = CLSID_DicomDirImage;
-  static constexpr const IID& iid = IID_IDicomDirImage;
-};
+#define HALVORINE_CLASS_OF(Name)                            \
+  template <>                                               \
+  struct ClassOf<I##Name> {                                 \
+    static constexpr const CLSID& clsid = CLSID_##Name;     \
+    static constexpr const IID& iid = IID_I##Name;          \
+  };
+HALVORINE_CLASS_OF(DicomDirImpl)
+HALVORINE_CLASS_OF(DicomDirPatient)
+HALVORINE_CLASS_OF(DicomDirStudy)
+HALVORINE_CLASS_OF(DicomDirSeries)
+HALVORINE_CLASS_OF(DicomDirImage)
+#undef HALVORINE_CLASS_OF
 
 // Asks the class object of clsid for a new instance's riid, as a host does; *out stays null,
 // with a test failure, if any step fails.
