@@ -1,7 +1,8 @@
 #include "engine/dictionary/DicomDictionary.h"
 
 #include <algorithm>
-#include <fstream>
+#include <cstdio>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -22,8 +23,8 @@ struct Tag {
 };
 
 struct KeyValue {
-  std::string key;
-  std::string value;
+  std::string_view key;
+  std::string_view value;
 };
 
 std::uint32_t KeyOf(std::uint16_t group, std::uint16_t element) {
@@ -32,13 +33,13 @@ std::uint32_t KeyOf(std::uint16_t group, std::uint16_t element) {
 
 // Blanks, and only blanks, off both ends. A text of blanks alone has no first character to keep
 // and fails with a standard out-of-range error, not a MyException.
-std::string TrimBlanks(std::string_view text) {
+std::string_view TrimBlanks(std::string_view text) {
   if (text.empty()) return {};
   const std::size_t first = text.find_first_not_of(' ');
   if (first == std::string_view::npos) {
     throw std::out_of_range("The dictionary line holds a text of blanks alone.");
   }
-  return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 // Digit by digit in 16 bits; a character that is no hex digit still counts, as its code minus
@@ -67,38 +68,36 @@ Tag ParseTagSection(std::string_view section) {
 // The pair Key="Value" that begins at *position, blanks and tabs before it skipped; *position
 // moves behind its closing quote, or to the end of the line when that is missing. Nothing when
 // no '=' with an opening quote behind it is left.
-std::optional<KeyValue> ParseKeyValue(const std::string& line, std::size_t* position) {
+std::optional<KeyValue> ParseKeyValue(std::string_view line, std::size_t* position) {
   const std::size_t keyStart = line.find_first_not_of(" \t", *position);
-  if (keyStart == std::string::npos) return std::nullopt;
+  if (keyStart == std::string_view::npos) return std::nullopt;
   const std::size_t equals = line.find('=', keyStart);
-  if (equals == std::string::npos) return std::nullopt;
+  if (equals == std::string_view::npos) return std::nullopt;
   const std::size_t open = line.find('"', equals + 1);
-  if (open == std::string::npos) return std::nullopt;
+  if (open == std::string_view::npos) return std::nullopt;
   const std::size_t close = std::min(line.find('"', open + 1), line.size());
   *position = std::min(close + 1, line.size());
-  const std::string_view text(line);
-  return KeyValue{TrimBlanks(text.substr(keyStart, equals - keyStart)),
-                  TrimBlanks(text.substr(open + 1, close - open - 1))};
+  return KeyValue{TrimBlanks(line.substr(keyStart, equals - keyStart)),
+                  TrimBlanks(line.substr(open + 1, close - open - 1))};
 }
 
-void SetEntryField(DictionaryEntry* entry, const KeyValue& pair) {
-  if (pair.key == "VR") {
-    entry->VR = pair.value;
-  } else if (pair.key == "VM") {
-    entry->VM = pair.value;
-  } else if (pair.key == "Name") {
-    entry->Name = pair.value;
-  } else if (pair.key == "Owner") {
-    entry->Owner = pair.value;
-  }
+void RaiseDuplicate() {
+  halvorine::Raise(kUnit, __LINE__,
+                   "The standard DICOM dictionary file contains a duplicated group-element "
+                   "paire.");
 }
 
-void InsertEntry(EntryTable& table, Tag tag, DictionaryEntry entry) {
-  if (!table.emplace(KeyOf(tag.group, tag.element), std::move(entry)).second) {
-    halvorine::Raise(kUnit, __LINE__,
-                     "The standard DICOM dictionary file contains a duplicated group-element "
-                     "paire.");
+// The whole file, or nothing when it can't be opened or read.
+std::optional<std::string> ReadWholeFile(const std::string& path) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "r"),
+                                                            &std::fclose);
+  if (!file) return std::nullopt;
+  std::string content;
+  char block[65536];
+  for (std::size_t count; (count = std::fread(block, 1, sizeof block, file.get())) > 0;) {
+    content.append(block, count);
   }
+  return content;
 }
 
 }  // namespace
@@ -124,17 +123,31 @@ void DicomDictionary::LoadDictionary(const std::string& fileName) {
   }
   // Set before reading: neither a missing file nor a bad line is tried again.
   loadedFileName_ = path;
-  std::ifstream file(path);
-  for (std::string line; std::getline(file, line);) {
-    const bool endedByLineFeed = !file.eof();
-    if (endedByLineFeed && line.ends_with('\r')) line.pop_back();
+  const std::optional<std::string> content = ReadWholeFile(path);
+  if (!content) return;
+  // Lines end with a line feed, a carriage return before it dropped; the last needs none.
+  std::string_view rest(*content);
+  while (!rest.empty()) {
+    const std::size_t end = rest.find('\n');
+    std::string_view line = rest.substr(0, end);
+    if (end == std::string_view::npos) {
+      rest = {};
+    } else {
+      rest.remove_prefix(end + 1);
+      if (line.ends_with('\r')) line.remove_suffix(1);
+    }
     ParseDictionaryLine(line);
   }
 }
 
 std::string DicomDictionary::GetVR(std::uint16_t group, std::uint16_t element) const {
-  const auto found = standardEntries_.find(KeyOf(group, element));
-  if (found != standardEntries_.end()) return found->second.VR;
+  return std::string(FindVR(group, element));
+}
+
+std::string_view DicomDictionary::FindVR(std::uint16_t group, std::uint16_t element) const {
+  const std::uint32_t key = KeyOf(group, element);
+  const auto found = std::ranges::lower_bound(standardEntries_, key, {}, &Entry::key);
+  if (found != standardEntries_.end() && found->key == key) return vrTexts_[found->vr];
   if (element == 0) return "UL";
   halvorine::Trace(halvorine::FormatBounded(halvorine::kMessageBufferSize,
                                             "The standard DICOM dictionary does not contain the "
@@ -144,29 +157,48 @@ std::string DicomDictionary::GetVR(std::uint16_t group, std::uint16_t element) c
   return "UN";
 }
 
-void DicomDictionary::ParseDictionaryLine(const std::string& line) {
+void DicomDictionary::ParseDictionaryLine(std::string_view line) {
   if (line.empty() || line.starts_with("REM")) return;
   const std::size_t sectionEnd = line.find(')');
-  const std::string_view section = sectionEnd == std::string::npos
-                                       ? std::string_view()
-                                       : std::string_view(line).substr(0, sectionEnd + 1);
+  const std::string_view section =
+      sectionEnd == std::string_view::npos ? std::string_view() : line.substr(0, sectionEnd + 1);
   const Tag tag = ParseTagSection(section);
-  DictionaryEntry entry;
+  std::string_view vr;
+  std::string_view owner;
   for (std::size_t position = section.size(); const auto pair = ParseKeyValue(line, &position);) {
-    SetEntryField(&entry, *pair);
+    if (pair->key == "VR") vr = pair->value;
+    if (pair->key == "Owner") owner = pair->value;
   }
+  const std::uint32_t key = KeyOf(tag.group, tag.element);
   if (tag.group < 7 || tag.group % 2 == 0) {
-    InsertEntry(standardEntries_, tag, std::move(entry));
+    InsertStandard(key, vr);
     return;
   }
-  if (entry.Owner.empty()) {
+  if (owner.empty()) {
     halvorine::Raise(kUnit, __LINE__,
                      "The dictionary found a private tag (%4x, %4x) tag whithout owner.", tag.group,
                      tag.element);
   }
-  // Looked up before entry is moved into it.
-  EntryTable& ownerTable = privateEntries_[entry.Owner];
-  InsertEntry(ownerTable, tag, std::move(entry));
+  auto table = privateKeys_.find(owner);
+  if (table == privateKeys_.end()) table = privateKeys_.try_emplace(std::string(owner)).first;
+  if (!table->second.insert(key).second) RaiseDuplicate();
+}
+
+// The file lists its tags in ascending order, so an entry mostly goes on the end.
+void DicomDictionary::InsertStandard(std::uint32_t key, std::string_view vr) {
+  auto place = standardEntries_.end();
+  if (!standardEntries_.empty() && standardEntries_.back().key >= key) {
+    place = std::ranges::lower_bound(standardEntries_, key, {}, &Entry::key);
+    if (place->key == key) RaiseDuplicate();
+  }
+  standardEntries_.insert(place, Entry{key, InternVR(vr)});
+}
+
+std::uint32_t DicomDictionary::InternVR(std::string_view vr) {
+  const auto found = std::ranges::find(vrTexts_, vr);
+  if (found != vrTexts_.end()) return static_cast<std::uint32_t>(found - vrTexts_.begin());
+  vrTexts_.emplace_back(vr);
+  return static_cast<std::uint32_t>(vrTexts_.size() - 1);
 }
 
 }  // namespace DicomEngine

@@ -12,20 +12,14 @@
 #define HALVORINE_ENGINE_DICTIONARY_DICOMDICTIONARY_H
 
 #include <cstdint>
+#include <deque>
 #include <map>
+#include <set>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace DicomEngine {
-
-struct DictionaryEntry {
-  std::string VR;
-  std::string VM;
-  std::string Name;
-  std::string Owner;  // the private creator, for private tags
-};
-
-// Entries by tag key: group in the high 16 bits, element in the low 16 bits.
-using EntryTable = std::map<std::uint32_t, DictionaryEntry>;
 
 class DicomDictionary {
  public:
@@ -46,13 +40,26 @@ class DicomDictionary {
   // The entry's VR; for an unknown tag "UL" when element is 0, else "UN" and a trace line at
   // level 2.
   std::string GetVR(std::uint16_t group, std::uint16_t element) const;
+  // GetVR without the copy, for the parser's every implicit element. The text lives as long as
+  // the dictionary.
+  std::string_view FindVR(std::uint16_t group, std::uint16_t element) const;
 
  private:
-  void ParseDictionaryLine(const std::string& line);
+  // Only the VR of an entry is ever looked up, so an entry is its tag key (group in the high 16
+  // bits) and the index of its VR among the distinct texts.
+  struct Entry {
+    std::uint32_t key;
+    std::uint32_t vr;
+  };
 
-  EntryTable standardEntries_;
-  // Filled for the record: no look-up reads it, a private tag's VR never comes from here.
-  std::map<std::string, EntryTable> privateEntries_;
+  void ParseDictionaryLine(std::string_view line);
+  void InsertStandard(std::uint32_t key, std::string_view vr);
+  std::uint32_t InternVR(std::string_view vr);
+
+  std::vector<Entry> standardEntries_;  // ascending keys
+  std::deque<std::string> vrTexts_;  // a deque, so that FindVR's views stay put
+  // Kept only to refuse a tag twice for one owner: no look-up reads private entries.
+  std::map<std::string, std::set<std::uint32_t>, std::less<>> privateKeys_;
   std::string loadedFileName_;
 };
 
