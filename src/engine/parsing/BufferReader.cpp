@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstring>
 #include <new>
 
 #include "support/MyException.h"
@@ -17,19 +18,13 @@ constexpr char kUnit[] = "BufferReader";
 BufferReader::BufferReader(halvorine::MultiChunkBuffer chunks)
     : end_(chunks.GetLength()),
       chunks_(std::make_shared<const halvorine::MultiChunkBuffer>(std::move(chunks))),
-      parent_(nullptr),
-      position_(0),
-      chunkHint_(0) {}
+      cursor_(&ownCursor_) {}
 
 BufferReader::BufferReader(BufferReader* parent, std::uint32_t end)
-    : end_(end),
-      chunks_(parent->chunks_),
-      parent_(parent),
-      position_(parent->position_),
-      chunkHint_(parent->chunkHint_) {}
+    : end_(end), chunks_(parent->chunks_), cursor_(parent->cursor_) {}
 
 bool BufferReader::HasBytes(std::uint32_t count) const {
-  return std::uint64_t{position_} + count <= end_;
+  return std::uint64_t{cursor_->position} + count <= end_;
 }
 
 void BufferReader::EnsureAvailable(std::uint32_t count) const {
@@ -63,8 +58,13 @@ double BufferReader::ReadDouble(std::uint32_t count) {
 std::string BufferReader::ReadString(std::uint32_t count) {
   if (count == 0) return {};
   EnsureAvailable(count);
-  std::string text(count, '\0');
-  CopyOut(reinterpret_cast<std::uint8_t*>(text.data()), count);
+  std::string text;
+  if (const std::uint8_t* inChunk = Contiguous(count)) {
+    text.assign(reinterpret_cast<const char*>(inChunk), count);
+  } else {
+    text.resize(count);
+    CopyOut(reinterpret_cast<std::uint8_t*>(text.data()), count);
+  }
   Advance(count);
   if (const std::size_t nul = text.find('\0'); nul != std::string::npos) text.resize(nul);
   return text;
@@ -83,20 +83,30 @@ void BufferReader::ReadBinary(std::unique_ptr<std::uint8_t[]>* dest, std::uint32
 }
 
 std::unique_ptr<BufferReader> BufferReader::CreateSubReader(std::uint32_t count) {
-  if (count == kUndefinedLength) count = end_ - position_;
+  if (count == kUndefinedLength) count = end_ - cursor_->position;
   EnsureAvailable(count);
-  return std::unique_ptr<BufferReader>(new (std::nothrow) BufferReader(this, position_ + count));
+  return std::unique_ptr<BufferReader>(
+      new (std::nothrow) BufferReader(this, cursor_->position + count));
 }
 
 template <typename Unsigned>
 Unsigned BufferReader::ReadLittleEndian(std::uint32_t count) {
   EnsureAvailable(count);
   std::array<std::uint8_t, sizeof(Unsigned)> bytes{};
-  CopyOut(bytes.data(), std::min<std::uint32_t>(count, bytes.size()));
+  // The usual case, a whole number inside one chunk, copies a constant size.
+  if (const std::uint8_t* inChunk = count == bytes.size() ? Contiguous(count) : nullptr) {
+    std::memcpy(bytes.data(), inChunk, bytes.size());
+  } else {
+    CopyOut(bytes.data(), std::min<std::uint32_t>(count, bytes.size()));
+  }
   Advance(count);
   Unsigned value = 0;
-  for (std::size_t index = bytes.size(); index-- > 0;) {
-    value = static_cast<Unsigned>(value << 8 | bytes[index]);
+  if constexpr (std::endian::native == std::endian::little) {
+    std::memcpy(&value, bytes.data(), bytes.size());
+  } else {
+    for (std::size_t index = bytes.size(); index-- > 0;) {
+      value = static_cast<Unsigned>(value << 8 | bytes[index]);
+    }
   }
   return value;
 }
@@ -104,15 +114,23 @@ Unsigned BufferReader::ReadLittleEndian(std::uint32_t count) {
 void BufferReader::CopyOut(std::uint8_t* destination, std::uint32_t count) {
   if (count == 0) return;
   EnsureAvailable(count);
-  if (!chunks_->CopyOut(position_, destination, count, &chunkHint_)) {
+  if (const std::uint8_t* bytes = Contiguous(count)) {
+    std::memcpy(destination, bytes, count);
+    return;
+  }
+  if (!chunks_->CopyOut(cursor_->position, destination, count, &cursor_->chunkHint)) {
     halvorine::Raise(kUnit, __LINE__, "Cannot find the next memory chunk.");
   }
 }
 
-void BufferReader::Advance(std::uint32_t count) {
-  for (BufferReader* reader = this; reader != nullptr; reader = reader->parent_) {
-    reader->position_ += count;
+const std::uint8_t* BufferReader::Contiguous(std::uint32_t count) {
+  Cursor& cursor = *cursor_;
+  const std::uint64_t from = cursor.position;
+  if (from < cursor.window.start || from >= cursor.window.end) {
+    cursor.window = chunks_->WindowAt(cursor.position, &cursor.chunkHint);
   }
+  if (from < cursor.window.start || from + count > cursor.window.end) return nullptr;
+  return cursor.window.data + (from - cursor.window.start);
 }
 
 }  // namespace DicomEngine

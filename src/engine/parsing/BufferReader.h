@@ -9,6 +9,8 @@
 //   item               [position --->          end)       a nested reader of the root
 //   item in item          [position --->  end)            a nested reader of the item
 //
+// So a reader and its nested readers share one cursor: only the ends are their own.
+//
 // Every read is bounded by end: a count that passes it fails before anything is allocated or
 // moved, and a failed read leaves position where it was.
 #ifndef HALVORINE_ENGINE_PARSING_BUFFERREADER_H
@@ -58,21 +60,30 @@ class BufferReader {
   std::unique_ptr<BufferReader> CreateSubReader(std::uint32_t count);
 
  private:
+  // The position of a root reader and all its nested readers, and the chunk it stands in, so
+  // that a read inside that chunk neither searches nor calls out.
+  struct Cursor {
+    std::uint32_t position = 0;
+    std::size_t chunkHint = 0;
+    halvorine::MultiChunkBuffer::Window window;
+  };
+
   BufferReader(BufferReader* parent, std::uint32_t end);
 
   template <typename Unsigned>
   Unsigned ReadLittleEndian(std::uint32_t count);
   // Copies from position without moving it.
   void CopyOut(std::uint8_t* destination, std::uint32_t count);
+  // The count bytes at position when one chunk holds them all, else null.
+  const std::uint8_t* Contiguous(std::uint32_t count);
   // Moves this reader and all its ancestors.
-  void Advance(std::uint32_t count);
+  void Advance(std::uint32_t count) { cursor_->position += count; }
 
   std::uint32_t end_;
   // Shared, never copied: a copy of the row per item would make parsing cost items times chunks.
   std::shared_ptr<const halvorine::MultiChunkBuffer> chunks_;
-  BufferReader* parent_;  // not owned
-  std::uint32_t position_;
-  std::size_t chunkHint_;
+  Cursor ownCursor_;  // used by a root reader only
+  Cursor* cursor_;    // the root's
 };
 
 }  // namespace DicomEngine

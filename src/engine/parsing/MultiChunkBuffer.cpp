@@ -47,6 +47,13 @@ bool MultiChunkBuffer::CopyOut(std::uint32_t offset, std::uint8_t* destination, 
   return true;
 }
 
+MultiChunkBuffer::Window MultiChunkBuffer::WindowAt(std::uint32_t offset, std::size_t* hint) const {
+  *hint = FindChunk(offset, *hint);
+  if (*hint == chunks_.size()) return Window{};
+  const MemoryChunk& chunk = chunks_[*hint];
+  return Window{chunk.data.get(), chunk.end - chunk.length, chunk.end};
+}
+
 std::size_t MultiChunkBuffer::FindChunk(std::uint64_t offset, std::size_t hint) const {
   if (hint < chunks_.size()) {
     const MemoryChunk& chunk = chunks_[hint];

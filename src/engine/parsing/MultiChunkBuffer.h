@@ -33,6 +33,15 @@ class MultiChunkBuffer {
   bool CopyOut(std::uint32_t offset, std::uint8_t* destination, std::uint32_t count,
                std::size_t* hint) const;
 
+  // The bytes of one chunk, for readers that read inside it without a call per read.
+  struct Window {
+    const std::uint8_t* data = nullptr;
+    std::uint64_t start = 0;  // the row offset of data[0]
+    std::uint64_t end = 0;    // behind the chunk's last byte
+  };
+  // The chunk that holds offset, found as CopyOut finds it; an empty window past the row's end.
+  Window WindowAt(std::uint32_t offset, std::size_t* hint) const;
+
  private:
   struct MemoryChunk {
     std::shared_ptr<const std::uint8_t[]> data;
