@@ -3,7 +3,7 @@
 namespace DicomEngine {
 
 DoubleVR::DoubleVR(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
-                   std::uint32_t declaredLength, std::vector<double> numbers)
+                   std::uint32_t declaredLength, NumberList<double> numbers)
     : VRNumeric(code, tagGroup, tagElement, declaredLength, std::move(numbers)) {}
 
 void DoubleVR::WriteValue(BufferWriter& writer) {

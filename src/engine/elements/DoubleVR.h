@@ -3,7 +3,6 @@
 #define HALVORINE_ENGINE_ELEMENTS_DOUBLEVR_H
 
 #include <cstdint>
-#include <vector>
 
 #include "engine/elements/VRNumeric.h"
 
@@ -12,7 +11,7 @@ namespace DicomEngine {
 class DoubleVR final : public VRNumeric<double> {
  public:
   DoubleVR(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
-           std::uint32_t declaredLength, std::vector<double> numbers);
+           std::uint32_t declaredLength, NumberList<double> numbers);
 
   // Each number narrowed to 32 bits under "FL", in 64 bits under "FD"; nothing under any other.
   void WriteValue(BufferWriter& writer) override;

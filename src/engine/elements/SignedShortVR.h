@@ -3,7 +3,6 @@
 #define HALVORINE_ENGINE_ELEMENTS_SIGNEDSHORTVR_H
 
 #include <cstdint>
-#include <vector>
 
 #include "engine/elements/VRNumeric.h"
 
@@ -12,7 +11,7 @@ namespace DicomEngine {
 class SignedShortVR final : public VRNumeric<std::int16_t> {
  public:
   SignedShortVR(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
-                std::uint32_t declaredLength, std::vector<std::int16_t> numbers);
+                std::uint32_t declaredLength, NumberList<std::int16_t> numbers);
 
   // Each number in 16 bits when the code is "SS"; else nothing.
   void WriteValue(BufferWriter& writer) override;

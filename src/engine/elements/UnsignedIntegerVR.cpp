@@ -4,13 +4,13 @@ namespace DicomEngine {
 
 UnsignedIntegerVR::UnsignedIntegerVR(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
                                      std::uint32_t declaredLength,
-                                     std::vector<std::uint32_t> numbers)
+                                     NumberList<std::uint32_t> numbers)
     : VRNumeric(code, tagGroup, tagElement, declaredLength, std::move(numbers)) {}
 
 UnsignedIntegerVR::UnsignedIntegerVR(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
                                      std::uint32_t declaredLength, std::uint32_t value)
     : UnsignedIntegerVR(code, tagGroup, tagElement, declaredLength,
-                        std::vector<std::uint32_t>{value}) {}
+                        NumberList<std::uint32_t>{value}) {}
 
 void UnsignedIntegerVR::WriteValue(BufferWriter& writer) {
   WriteValuesAs<std::uint32_t>(writer, "UL");

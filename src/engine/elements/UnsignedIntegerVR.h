@@ -4,7 +4,6 @@
 #define HALVORINE_ENGINE_ELEMENTS_UNSIGNEDINTEGERVR_H
 
 #include <cstdint>
-#include <vector>
 
 #include "engine/elements/VRNumeric.h"
 
@@ -13,7 +12,7 @@ namespace DicomEngine {
 class UnsignedIntegerVR final : public VRNumeric<std::uint32_t> {
  public:
   UnsignedIntegerVR(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
-                    std::uint32_t declaredLength, std::vector<std::uint32_t> numbers);
+                    std::uint32_t declaredLength, NumberList<std::uint32_t> numbers);
   // The form of the record builders: one number, with the length 4.
   UnsignedIntegerVR(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
                     std::uint32_t declaredLength, std::uint32_t value);

@@ -3,13 +3,13 @@
 namespace DicomEngine {
 
 UnsignedShortVR::UnsignedShortVR(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
-                                 std::uint32_t declaredLength, std::vector<std::uint16_t> numbers)
+                                 std::uint32_t declaredLength, NumberList<std::uint16_t> numbers)
     : VRNumeric(code, tagGroup, tagElement, declaredLength, std::move(numbers)) {}
 
 UnsignedShortVR::UnsignedShortVR(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
                                  std::uint32_t declaredLength, std::uint16_t value)
     : UnsignedShortVR(code, tagGroup, tagElement, declaredLength,
-                      std::vector<std::uint16_t>{value}) {}
+                      NumberList<std::uint16_t>{value}) {}
 
 void UnsignedShortVR::WriteValue(BufferWriter& writer) {
   WriteValuesAs<std::uint16_t>(writer, "US");

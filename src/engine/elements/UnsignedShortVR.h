@@ -3,7 +3,6 @@
 #define HALVORINE_ENGINE_ELEMENTS_UNSIGNEDSHORTVR_H
 
 #include <cstdint>
-#include <vector>
 
 #include "engine/elements/VRNumeric.h"
 
@@ -12,7 +11,7 @@ namespace DicomEngine {
 class UnsignedShortVR final : public VRNumeric<std::uint16_t> {
  public:
   UnsignedShortVR(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
-                  std::uint32_t declaredLength, std::vector<std::uint16_t> numbers);
+                  std::uint32_t declaredLength, NumberList<std::uint16_t> numbers);
   // The form of the record builders: one number, with the length 2.
   UnsignedShortVR(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
                   std::uint32_t declaredLength, std::uint16_t value);

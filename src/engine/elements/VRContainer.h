@@ -55,6 +55,10 @@ class VRContainer {
   void WriteElements(BufferWriter& writer, OffsetMap* offsets);
 
   const ElementList& Elements() const { return elements_; }
+  // Room for count elements ahead, so that a list being filled isn't moved time and again.
+  void Reserve(std::size_t count) { elements_.reserve(count); }
+  // Destroys every element and gives back the list's room.
+  void Clear() { ElementList().swap(elements_); }
 
  protected:
   // The header of a sequence or an item, then "\r\n" and the elements' texts when it holds any.

@@ -26,7 +26,7 @@ std::string FormatValue(Number value) {
 
 template <typename Number>
 VRNumeric<Number>::VRNumeric(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
-                             std::uint32_t declaredLength, std::vector<Number> numbers)
+                             std::uint32_t declaredLength, NumberList<Number> numbers)
     : VR(code, tagGroup, tagElement, declaredLength), values(std::move(numbers)) {}
 
 template <typename Number>

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <vector>
 
+#include "engine/elements/NumberList.h"
 #include "engine/elements/VR.h"
 
 namespace DicomEngine {
@@ -20,11 +20,11 @@ class VRNumeric : public VR {
   // behind each when there are several. Each piece is cut at 64 bytes.
   std::string ToString() const override;
 
-  std::vector<Number> values;
+  NumberList<Number> values;
 
  protected:
   VRNumeric(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
-            std::uint32_t declaredLength, std::vector<Number> numbers);
+            std::uint32_t declaredLength, NumberList<Number> numbers);
 
   // Every number at the given width, when vrCode is expectedCode; otherwise nothing, so that an
   // element whose code doesn't match its class ends up with the length 0.

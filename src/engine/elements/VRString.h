@@ -21,12 +21,9 @@ class VRString : public VR {
   // the length: the declared length works as a minimum width, and a longer text goes out whole.
   void WriteValue(BufferWriter& writer) override;
 
-  std::string GetValue() const { return value_; }
+  const std::string& GetValue() const { return value_; }
   // Replaces the value; the length becomes the text's size, made even.
   void SetValue(std::string value);
-
- protected:
-  const std::string& Value() const { return value_; }
 
  private:
   std::string value_;

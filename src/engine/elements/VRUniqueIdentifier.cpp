@@ -9,7 +9,7 @@ VRUniqueIdentifier::VRUniqueIdentifier(VRCode code, std::uint16_t tagGroup,
 
 void VRUniqueIdentifier::WriteValue(BufferWriter& writer) {
   PadLengthToEven();
-  writer.WriteUid(Value(), length);
+  writer.WriteUid(GetValue(), length);
 }
 
 }  // namespace DicomEngine

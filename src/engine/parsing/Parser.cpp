@@ -55,17 +55,14 @@ std::string VRCodeOf(std::uint16_t bytes) {
 }
 
 // The VR of an implicit element: a group length in any group is "UL"; a private group (odd, from
-// 7 up) carries no dictionary VR.
-std::string LookUpVR(std::uint16_t group, std::uint16_t element) {
+// 7 up) carries no dictionary VR. The dictionary's two multi-VR texts are folded into the code
+// that the element is read under.
+std::string_view LookUpVR(std::uint16_t group, std::uint16_t element) {
   if (element == 0) return "UL";
-  if (group < 7 || group % 2 == 0) return DicomDictionary::GetInstance().GetVR(group, element);
-  return "UN";
-}
-
-// The two multi-VR texts of the dictionary that an implicit element is read under.
-std::string Fold(std::string vrCode) {
-  if (std::string_view(vrCode) == "OW/OB") return "OB";
-  if (std::string_view(vrCode) == "US or SS") return "US";
+  if (group >= 7 && group % 2 != 0) return "UN";
+  const std::string_view vrCode = DicomDictionary::GetInstance().FindVR(group, element);
+  if (vrCode == "OW/OB") return "OB";
+  if (vrCode == "US or SS") return "US";
   return vrCode;
 }
 
@@ -73,24 +70,24 @@ std::string Fold(std::string vrCode) {
 // a multiple of the width reads up to width - 1 bytes beyond the element's end. The length is
 // tested before the list is sized, so that a false one fails before it allocates.
 template <typename Number, typename ReadOne>
-std::vector<Number> ReadList(BufferReader& reader, std::uint32_t length, std::uint32_t width,
-                             ReadOne readOne) {
-  std::vector<Number> values;
-  if (length == 0) return values;
+NumberList<Number> ReadList(BufferReader& reader, std::uint32_t length, std::uint32_t width,
+                            ReadOne readOne) {
+  if (length == 0) return {};
   reader.EnsureAvailable(length);
-  const std::uint32_t count = (length - 1) / width + 1;
-  values.reserve(count);
-  for (std::uint32_t index = 0; index < count; ++index) values.push_back(readOne(reader));
+  NumberList<Number> values((length - 1) / width + 1);
+  for (Number& value : values) value = readOne(reader);
   return values;
 }
 
 // Under 4 bytes nothing is read, so that 1 to 3 value bytes are taken for the next tag.
 std::vector<AttributeTag> ReadTags(BufferReader& reader, std::uint32_t length) {
   if (length < 4) return {};
-  return ReadList<AttributeTag>(reader, length, 4, [](BufferReader& from) {
-    const std::uint16_t group = from.ReadUnsignedShort();
-    return AttributeTag{group, from.ReadUnsignedShort()};
-  });
+  const NumberList<AttributeTag> tags =
+      ReadList<AttributeTag>(reader, length, 4, [](BufferReader& from) {
+        const std::uint16_t group = from.ReadUnsignedShort();
+        return AttributeTag{group, from.ReadUnsignedShort()};
+      });
+  return {tags.begin(), tags.end()};
 }
 
 std::unique_ptr<std::uint8_t[]> ReadBlock(BufferReader& reader, std::uint32_t length) {
@@ -231,7 +228,7 @@ std::pair<std::string, std::uint32_t> Parser::ReadVRAndLength(std::uint16_t grou
 std::string Parser::ChooseVR(std::uint16_t group, std::uint16_t element) {
   std::string vrCode = group != kItemGroup && GetSyntaxForGroup(group).vrForm != kImplicitVR
                            ? VRCodeOf(reader_->ReadUnsignedShort())
-                           : Fold(LookUpVR(group, element));
+                           : std::string(LookUpVR(group, element));
   if (vrCode.empty()) vrCode = "UN";
   return vrCode;
 }
@@ -370,6 +367,8 @@ std::unique_ptr<VR> Parser::ParseNestedItem(std::uint32_t itemLength) {
     halvorine::Raise(kUnit, __LINE__, "Failed to create sequence item buffer.");
   }
   auto item = std::make_unique<VRSequenceItem>("", kItemGroup, kItem, itemLength);
+  // A directory record has a dozen or so elements.
+  item->Reserve(16);
   Parser(std::move(itemReader), *this).Parse(*item);
   return item;
 }

@@ -45,6 +45,9 @@ class Parser {
   // delimiter has been read, which is appended last. On a failure the elements appended so far
   // stay in container.
   void Parse(VRContainer& container);
+  // Frees the bytes once they are parsed; the syntaxes stay for the size questions below. Parse
+  // fails from then on.
+  void ReleaseReader() { reader_.reset(); }
 
   // The encoded sizes of an element's header, on the syntaxes as parsing left them: 4 for the
   // tag, then GetVRFieldSize, then GetLengthFieldSize (reserved bytes included) up to the value.
