@@ -57,19 +57,27 @@ void AppendUtf8(std::string& out, char32_t value) {
 
 }  // namespace
 
+// Never more UTF-16 units than UTF-8 bytes, so the text is sized once and cut back; ASCII, the
+// usual case, is copied without decoding.
 std::u16string Utf8ToUtf16(std::string_view text) {
-  std::u16string out;
-  out.reserve(text.size());
+  std::u16string out(text.size(), u'\0');
+  char16_t* to = out.data();
   std::size_t at = 0;
   while (at < text.size()) {
+    if (const auto byte = static_cast<unsigned char>(text[at]); byte < 0x80) {
+      *to++ = byte;
+      ++at;
+      continue;
+    }
     const char32_t value = DecodeUtf8(text, &at);
     if (value < 0x10000) {
-      out += static_cast<char16_t>(value);
+      *to++ = static_cast<char16_t>(value);
     } else {
-      out += static_cast<char16_t>(0xD800 + ((value - 0x10000) >> 10));
-      out += static_cast<char16_t>(0xDC00 + ((value - 0x10000) & 0x3FF));
+      *to++ = static_cast<char16_t>(0xD800 + ((value - 0x10000) >> 10));
+      *to++ = static_cast<char16_t>(0xDC00 + ((value - 0x10000) & 0x3FF));
     }
   }
+  out.resize(static_cast<std::size_t>(to - out.data()));
   return out;
 }
 

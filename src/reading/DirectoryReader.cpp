@@ -1,11 +1,9 @@
 #include "reading/DirectoryReader.h"
 
 #include <algorithm>
-#include <memory>
 #include <vector>
 
 #include "engine/dictionary/DicomDictionary.h"
-#include "engine/elements/UnsignedIntegerVR.h"
 #include "engine/elements/VRSequenceItem.h"
 #include "support/MyException.h"
 #include "support/TextConversion.h"
@@ -29,25 +27,28 @@ DirectoryReader::DirectoryReader(RecordOffsetIndex& recordOffsetIndex,
     : recordOffsetIndex_(recordOffsetIndex), mapper_(creators, directoryName) {}
 
 void DirectoryReader::ReadDirectory(const std::string& path, SAFEARRAY** ppPatients) {
-  DicomEngine::DicomDictionary::GetInstance().LoadDictionary("dicom_dictionary.txt");
-  DicomEngine::DicomData dataSet(false);
-  auto parser = std::make_unique<DicomEngine::FileParser>();
-  parser->Open(ToWide(path));
-  parser->Parse(dataSet);
-  const auto* sequence = dynamic_cast<const DicomEngine::VRSequence*>(dataSet.Find(0x0004, 0x1220));
-  if (sequence == nullptr) Raise(kUnit, __LINE__, "The DICOMDIR sequence tag is missing.");
-  const std::uint32_t first = LocateRecordSequence(dataSet, *parser);
-  recordOffsetIndex_.clear();
-  BuildRecordOffsetIndex(*sequence, first, *parser);
+  const std::int32_t root = IndexRecords(path);
   open_.assign(recordOffsetIndex_.size(), false);
-  const std::int32_t root = ReadOffsetAttribute(dataSet, 0x0004, 0x1200, parser->GetDataOffset());
-  // The file's bytes aren't needed for the walk.
-  parser.reset();
   ChildList patients;
   WalkRecordChain(root, patients, 0);
   RecordMapper::PassOverWrongLevels(patients, RecordLevel::kPatient, 0);
   SafeArrayPtr array = RecordMapper::MakeObjectArray(patients);
   if (array.get() != nullptr) *ppPatients = array.Detach();
+}
+
+std::int32_t DirectoryReader::IndexRecords(const std::string& path) {
+  DicomEngine::DicomDictionary::GetInstance().LoadDictionary("dicom_dictionary.txt");
+  DicomEngine::DicomData dataSet(false);
+  DicomEngine::FileParser parser;
+  parser.Open(ToWide(path));
+  parser.Parse(dataSet);
+  parser.ReleaseReader();
+  auto* sequence = dynamic_cast<DicomEngine::VRSequence*>(dataSet.Find(0x0004, 0x1220));
+  if (sequence == nullptr) Raise(kUnit, __LINE__, "The DICOMDIR sequence tag is missing.");
+  const std::uint32_t first = LocateRecordSequence(dataSet, parser);
+  recordOffsetIndex_.clear();
+  BuildRecordOffsetIndex(*sequence, first, parser);
+  return ReadOffsetAttribute(dataSet, 0x0004, 0x1200, parser.GetDataOffset());
 }
 
 //   element header   tag 4 | VR field 0 or 2 | length field 4, or 2, or 2 reserved + 4
@@ -65,15 +66,20 @@ std::uint32_t DirectoryReader::LocateRecordSequence(const DicomEngine::DicomData
   return offset;
 }
 
-void DirectoryReader::BuildRecordOffsetIndex(const DicomEngine::VRSequence& sequence,
+void DirectoryReader::BuildRecordOffsetIndex(DicomEngine::VRSequence& sequence,
                                              std::uint32_t offset,
                                              const DicomEngine::Parser& parser) {
   recordCount_ = 0;
+  recordOffsetIndex_.reserve(sequence.Elements().size());
   for (const auto& entry : sequence.Elements()) {
     if (!entry) continue;
-    recordOffsetIndex_.emplace_back(offset, entry.get());
+    // A delimiter, or a fragment of a sequence that isn't "SQ", is no record.
+    auto* record = IsItem(*entry) ? dynamic_cast<VRContainer*>(entry.get()) : nullptr;
+    recordOffsetIndex_.emplace_back(offset, record ? RecordValues(*record) : RecordValues());
     if (IsItem(*entry)) ++recordCount_;
     AdvanceOverElement(offset, *entry, parser);
+    // Read and measured: the elements go now, so that the tree shrinks as the index grows.
+    if (record != nullptr) record->Clear();
   }
 }
 
@@ -91,18 +97,6 @@ void DirectoryReader::AdvanceOverElement(std::uint32_t& offset, const VR& elemen
   }
 }
 
-std::int32_t DirectoryReader::ReadOffsetAttribute(const VRContainer& container, std::uint16_t group,
-                                                  std::uint16_t element, std::uint32_t where) {
-  const auto* attribute =
-      dynamic_cast<const DicomEngine::UnsignedIntegerVR*>(container.Find(group, element));
-  if (attribute == nullptr) Raise(kUnit, __LINE__, "The first record offset is missing.");
-  if (attribute->values.empty()) {
-    Raise(kUnit, __LINE__, "The offset attribute (%04X,%04X) at offset %u holds no number.", group,
-          element, where);
-  }
-  return static_cast<std::int32_t>(attribute->values.front());
-}
-
 // Siblings in a loop, levels by recursion: the stack grows with the depth of the directory,
 // which kMaxDepth bounds.
 void DirectoryReader::WalkRecordChain(std::int32_t offset, ChildList& childList, int depth) {
@@ -111,14 +105,14 @@ void DirectoryReader::WalkRecordChain(std::int32_t offset, ChildList& childList,
   while (true) {
     const auto key = static_cast<std::uint32_t>(offset);
     const std::size_t position = PositionOf(key);
-    const auto& record = *dynamic_cast<const VRContainer*>(recordOffsetIndex_[position].second);
+    const RecordValues& record = recordOffsetIndex_[position].second;
     Enter(position, depth);
     chain.push_back(position);
     ChildList children;
-    const std::int32_t lower = ReadOffsetAttribute(record, 0x0004, 0x1420, key);
+    const std::int32_t lower = record.lower.Read(key);
     if (lower > 0) WalkRecordChain(lower, children, depth + 1);
     childList.push_back(mapper_.MapRecord(record, key, children));
-    const std::int32_t next = ReadOffsetAttribute(record, 0x0004, 0x1400, key);
+    const std::int32_t next = record.next.Read(key);
     if (next < 1) break;
     offset = next;
   }
@@ -135,9 +129,7 @@ std::size_t DirectoryReader::PositionOf(std::uint32_t offset) const {
   const auto found =
       std::lower_bound(recordOffsetIndex_.begin(), recordOffsetIndex_.end(), offset,
                        [](const auto& entry, std::uint32_t key) { return entry.first < key; });
-  // A delimiter, or a fragment of a sequence that isn't "SQ", is no record.
-  if (found == recordOffsetIndex_.end() || found->first != offset || !IsItem(*found->second) ||
-      dynamic_cast<const VRContainer*>(found->second) == nullptr) {
+  if (found == recordOffsetIndex_.end() || found->first != offset || !found->second.IsRecord()) {
     Raise(kUnit, __LINE__, "No DICOMDIR record begins at offset %u.", offset);
   }
   return static_cast<std::size_t>(found - recordOffsetIndex_.begin());

@@ -21,14 +21,14 @@
 #include "engine/elements/VRSequence.h"
 #include "engine/parsing/FileParser.h"
 #include "reading/RecordMapper.h"
+#include "reading/RecordValues.h"
 
 namespace halvorine {
 
-// From the file offset of an item's tag to the item, in ascending order of offsets: entries are
-// added in file order, and each one is at least a header further on, so a sorted vector serves
-// as the ordered map. The items belong to the data set of one load, so the entries lead nowhere
-// once that load returns.
-using RecordOffsetIndex = std::vector<std::pair<std::uint32_t, const DicomEngine::VR*>>;
+// From the file offset of an item's tag to what the load reads of the item, in ascending order of
+// offsets: entries are added in file order, and each one is at least a header further on, so a
+// sorted vector serves as the ordered map.
+using RecordOffsetIndex = std::vector<std::pair<std::uint32_t, RecordValues>>;
 
 class DirectoryReader {
  public:
@@ -48,7 +48,8 @@ class DirectoryReader {
   // The file offset of the first item of (0004,1220), which must be in dataSet.
   static std::uint32_t LocateRecordSequence(const DicomEngine::DicomData& dataSet,
                                             const DicomEngine::FileParser& parser);
-  void BuildRecordOffsetIndex(const DicomEngine::VRSequence& sequence, std::uint32_t offset,
+  // Empties each record item once it is indexed: the load needs nothing more of it.
+  void BuildRecordOffsetIndex(DicomEngine::VRSequence& sequence, std::uint32_t offset,
                               const DicomEngine::Parser& parser);
   // Moves offset over element, header and value; undefined lengths are summed from the parts.
   static void AdvanceOverElement(std::uint32_t& offset, const DicomEngine::VR& element,
@@ -56,11 +57,15 @@ class DirectoryReader {
   // The first number of the offset attribute; where is the offset of container, for the message.
   static std::int32_t ReadOffsetAttribute(const DicomEngine::VRContainer& container,
                                           std::uint16_t group, std::uint16_t element,
-                                          std::uint32_t where);
+                                          std::uint32_t where) {
+    return RecordLink(container, group, element).Read(where);
+  }
   // Appends one entry per record of the chain that starts at offset to childList.
   void WalkRecordChain(std::int32_t offset, ChildList& childList, int depth);
 
  private:
+  // Parses the file and fills the index; the parsed tree goes when it returns. The root link.
+  std::int32_t IndexRecords(const std::string& path);
   static std::uint32_t HeaderSize(const DicomEngine::VR& element,
                                   const DicomEngine::Parser& parser);
   // The index entry of the record at offset; raises when no record begins there.

@@ -33,22 +33,39 @@ std::optional<std::vector<std::string_view>> ImagePathResolver::SplitFileId(
     std::string_view fileId) {
   while (!fileId.empty() && fileId.back() == ' ') fileId.remove_suffix(1);
   std::vector<std::string_view> components;
+  components.reserve(8);  // the most that a File ID has
   std::size_t start = 0;
-  while (true) {
-    const std::size_t end = fileId.find_first_of("\\/", start);
-    const std::string_view component = fileId.substr(start, end - start);
+  for (std::size_t at = 0; at <= fileId.size(); ++at) {
+    if (at < fileId.size() && fileId[at] != '\\' && fileId[at] != '/') continue;
+    const std::string_view component = fileId.substr(start, at - start);
     if (component.empty() || component == "." || component == "..") return std::nullopt;
     components.push_back(component);
-    if (end == std::string_view::npos) return components;
-    start = end + 1;
+    start = at + 1;
   }
+  return components;
 }
 
+// The images of a series share their folder, so the folder of the last path is kept and the
+// next one in the same folder looks up its file name alone.
 std::string ImagePathResolver::Resolve(const std::vector<std::string_view>& components) {
+  if (components.empty()) return folder_;
+  const std::span<const std::string_view> folder(components.data(), components.size() - 1);
+  if (!std::ranges::equal(folder, lastFolder_)) {
+    lastFolder_.assign(folder.begin(), folder.end());
+    lastStoredFolder_ = StoredFolder(folder);
+  }
+  if (!lastStoredFolder_) return Formed(components);
+  const std::string_view name = FindStoredName(*lastStoredFolder_, components.back());
+  if (name.empty()) return Formed(components);
+  return *lastStoredFolder_ + '/' + std::string(name);
+}
+
+std::optional<std::string> ImagePathResolver::StoredFolder(
+    std::span<const std::string_view> components) {
   std::string stored = folder_;
   for (const std::string_view component : components) {
     const std::string_view name = FindStoredName(stored, component);
-    if (name.empty()) return Formed(components);
+    if (name.empty()) return std::nullopt;
     stored += '/';
     stored.append(name);
   }

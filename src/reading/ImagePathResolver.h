@@ -9,6 +9,7 @@
 #define HALVORINE_READING_IMAGEPATHRESOLVER_H
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -38,12 +39,16 @@ class ImagePathResolver {
   };
 
   std::string Formed(const std::vector<std::string_view>& components) const;
+  // The folder below this one as stored, or nothing when a component isn't found.
+  std::optional<std::string> StoredFolder(std::span<const std::string_view> components);
   const Listing& ListingOf(const std::string& folder);
   // The stored name that answers to component in folder, or empty.
   std::string_view FindStoredName(const std::string& folder, std::string_view component);
 
   std::string folder_;
   std::unordered_map<std::string, Listing> listings_;
+  std::vector<std::string> lastFolder_;
+  std::optional<std::string> lastStoredFolder_;
 };
 
 }  // namespace halvorine

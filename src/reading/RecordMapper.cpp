@@ -5,7 +5,6 @@
 #include <optional>
 #include <utility>
 
-#include "engine/elements/VRString.h"
 #include "support/MyException.h"
 #include "support/TextConversion.h"
 #include "support/TraceLog.h"
@@ -13,8 +12,6 @@
 
 namespace halvorine {
 namespace {
-
-using DicomEngine::VRContainer;
 
 // Failures of a load name the service's unit, as the host sees them.
 constexpr char kUnit[] = "DicomDirImpl";
@@ -36,27 +33,26 @@ void Check(HRESULT status, int line) {
   if (FAILED(status)) RaiseStatus(status, kUnit, line);
 }
 
-// The text of a string element, or nothing when it is missing, no text or empty.
-std::optional<std::string> ReadText(const VRContainer& record, std::uint16_t group,
-                                    std::uint16_t element) {
-  const auto* text = dynamic_cast<const DicomEngine::VRString*>(record.Find(group, element));
-  if (text == nullptr) return std::nullopt;
-  std::string value = text->GetValue();
-  if (value.empty()) return std::nullopt;
-  return value;
+// The text of a string element, or nothing when it is missing, no text or empty. Its data() ends
+// with a NUL.
+std::optional<std::string_view> ReadText(const RecordValues& record, std::uint16_t group,
+                                         std::uint16_t element) {
+  const std::optional<std::string_view> text = record.Text(group, element);
+  if (!text || text->empty()) return std::nullopt;
+  return text;
 }
 
-std::optional<int> ReadNumber(const VRContainer& record, std::uint16_t group,
+std::optional<int> ReadNumber(const RecordValues& record, std::uint16_t group,
                               std::uint16_t element) {
-  const std::optional<std::string> text = ReadText(record, group, element);
+  const std::optional<std::string_view> text = ReadText(record, group, element);
   if (!text) return std::nullopt;
-  return std::atoi(text->c_str());
+  return std::atoi(text->data());
 }
 
-double ReadStudyDate(const VRContainer& record) {
-  const std::optional<std::string> date = ReadText(record, 0x0008, 0x0020);
-  const std::optional<std::string> time = ReadText(record, 0x0008, 0x0030);
-  return DicomToOleDate(date ? date->c_str() : nullptr, time ? time->c_str() : nullptr);
+double ReadStudyDate(const RecordValues& record) {
+  const std::optional<std::string_view> date = ReadText(record, 0x0008, 0x0020);
+  const std::optional<std::string_view> time = ReadText(record, 0x0008, 0x0030);
+  return DicomToOleDate(date ? date->data() : nullptr, time ? time->data() : nullptr);
 }
 
 template <class Interface>
@@ -82,7 +78,7 @@ Child* As(const MappedRecord& entry) {
 RecordMapper::RecordMapper(const RecordCreators& creators, std::u16string_view directoryName)
     : creators_(creators), folder_(ToNarrow(directoryName)), paths_(folder_) {}
 
-MappedRecord RecordMapper::MapRecord(const VRContainer& record, std::uint32_t offset,
+MappedRecord RecordMapper::MapRecord(const RecordValues& record, std::uint32_t offset,
                                      ChildList& children) {
   std::string type = ReadRecordType(record);
   TrimSpaces(type);
@@ -139,26 +135,26 @@ SafeArrayPtr RecordMapper::MakeObjectArray(ChildList& childList) {
   return array;
 }
 
-std::string RecordMapper::ReadRecordType(const VRContainer& record) {
-  const auto* type = dynamic_cast<const DicomEngine::VRString*>(record.Find(0x0004, 0x1430));
-  if (type == nullptr) Raise(kUnit, __LINE__, "The DICOMDIR record type is missing.");
-  return type->GetValue();
+std::string RecordMapper::ReadRecordType(const RecordValues& record) {
+  const std::optional<std::string_view> type = record.Text(0x0004, 0x1430);
+  if (!type) Raise(kUnit, __LINE__, "The DICOMDIR record type is missing.");
+  return std::string(*type);
 }
 
-BString RecordMapper::ReadStringAttribute(const VRContainer& record, std::uint16_t group,
+BString RecordMapper::ReadStringAttribute(const RecordValues& record, std::uint16_t group,
                                           std::uint16_t element) {
-  const std::optional<std::string> text = ReadText(record, group, element);
-  return text ? BString::Copy(std::u16string_view(ToWide(*text))) : BString();
+  const std::optional<std::string_view> text = ReadText(record, group, element);
+  return text ? ToWideBString(*text) : BString();
 }
 
-ComPtr<IUnknown> RecordMapper::MakePatient(const VRContainer& record) {
+ComPtr<IUnknown> RecordMapper::MakePatient(const RecordValues& record) {
   auto patient = Create<IDicomDirPatient>(creators_.patient, IID_IDicomDirPatient);
   Check(patient->SetDicomPatName(ReadStringAttribute(record, 0x0010, 0x0010).get()), __LINE__);
   Check(patient->SetPatientID(ReadStringAttribute(record, 0x0010, 0x0020).get()), __LINE__);
   return AsUnknown(std::move(patient));
 }
 
-ComPtr<IUnknown> RecordMapper::MakeStudy(const VRContainer& record) {
+ComPtr<IUnknown> RecordMapper::MakeStudy(const RecordValues& record) {
   auto study = Create<IDicomDirStudy>(creators_.study, IID_IDicomDirStudy);
   // The date's status is not looked at: 0.0 stands for no date.
   study->SetStudyDate(ReadStudyDate(record));
@@ -170,7 +166,7 @@ ComPtr<IUnknown> RecordMapper::MakeStudy(const VRContainer& record) {
   return AsUnknown(std::move(study));
 }
 
-ComPtr<IUnknown> RecordMapper::MakeSeries(const VRContainer& record) {
+ComPtr<IUnknown> RecordMapper::MakeSeries(const RecordValues& record) {
   auto series = Create<IDicomDirSeries>(creators_.series, IID_IDicomDirSeries);
   Check(series->SetModality(ReadStringAttribute(record, 0x0008, 0x0060).get()), __LINE__);
   Check(series->SetSeriesInstUID(ReadStringAttribute(record, 0x0020, 0x000E).get()), __LINE__);
@@ -180,7 +176,7 @@ ComPtr<IUnknown> RecordMapper::MakeSeries(const VRContainer& record) {
   return AsUnknown(std::move(series));
 }
 
-ComPtr<IUnknown> RecordMapper::MakeImage(const VRContainer& record, std::uint32_t offset) {
+ComPtr<IUnknown> RecordMapper::MakeImage(const RecordValues& record, std::uint32_t offset) {
   auto image = Create<IDicomDirImage>(creators_.image, IID_IDicomDirImage);
   Check(image->SetImageFilename(ImagePath(record, offset).get()), __LINE__);
   Check(image->SetSOPClassUID(ReadStringAttribute(record, 0x0004, 0x1510).get()), __LINE__);
@@ -192,17 +188,17 @@ ComPtr<IUnknown> RecordMapper::MakeImage(const VRContainer& record, std::uint32_
 }
 
 // A missing File ID leaves the folder and a separator.
-BString RecordMapper::ImagePath(const VRContainer& record, std::uint32_t offset) {
-  const std::optional<std::string> fileId = ReadText(record, 0x0004, 0x1500);
-  if (!fileId) return BString::Copy(std::u16string_view(ToWide(folder_ + '/')));
+BString RecordMapper::ImagePath(const RecordValues& record, std::uint32_t offset) {
+  const std::optional<std::string_view> fileId = ReadText(record, 0x0004, 0x1500);
+  if (!fileId) return ToWideBString(folder_ + '/');
   const auto components = ImagePathResolver::SplitFileId(*fileId);
   if (!components) {
     Raise(kUnit, __LINE__,
           "The Referenced File ID \"%s\" of the DICOMDIR record at offset %u leads outside the "
           "folder.",
-          fileId->c_str(), offset);
+          std::string(*fileId).c_str(), offset);
   }
-  return BString::Copy(std::u16string_view(ToWide(paths_.Resolve(*components))));
+  return ToWideBString(paths_.Resolve(*components));
 }
 
 void RecordMapper::LinkChildren(IUnknown* parent, RecordLevel level, std::uint32_t offset,

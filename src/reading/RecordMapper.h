@@ -10,11 +10,11 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/elements/VRContainer.h"
 #include "platform/BString.h"
 #include "platform/ComPtr.h"
 #include "platform/SafeArrayPtr.h"
 #include "reading/ImagePathResolver.h"
+#include "reading/RecordValues.h"
 
 namespace halvorine {
 
@@ -47,8 +47,7 @@ class RecordMapper {
 
   // The object of record, filled and linked to children, which may lose their entries. Raises
   // for a missing record type, a failing platform call and a File ID that leads outside.
-  MappedRecord MapRecord(const DicomEngine::VRContainer& record, std::uint32_t offset,
-                         ChildList& children);
+  MappedRecord MapRecord(const RecordValues& record, std::uint32_t offset, ChildList& children);
   // Drops the entries that aren't of level expected (or kOther) from children, with a trace line
   // at level 1 each, so that the rest of the disc still loads. A parentOffset of 0 is the root.
   static void PassOverWrongLevels(ChildList& children, RecordLevel expected,
@@ -58,17 +57,17 @@ class RecordMapper {
   static SafeArrayPtr MakeObjectArray(ChildList& childList);
 
   // The value of (0004,1430), untrimmed.
-  static std::string ReadRecordType(const DicomEngine::VRContainer& record);
+  static std::string ReadRecordType(const RecordValues& record);
   // Null when the element is missing, isn't a text or is empty.
-  static BString ReadStringAttribute(const DicomEngine::VRContainer& record, std::uint16_t group,
+  static BString ReadStringAttribute(const RecordValues& record, std::uint16_t group,
                                      std::uint16_t element);
 
  private:
-  ComPtr<IUnknown> MakePatient(const DicomEngine::VRContainer& record);
-  ComPtr<IUnknown> MakeStudy(const DicomEngine::VRContainer& record);
-  ComPtr<IUnknown> MakeSeries(const DicomEngine::VRContainer& record);
-  ComPtr<IUnknown> MakeImage(const DicomEngine::VRContainer& record, std::uint32_t offset);
-  BString ImagePath(const DicomEngine::VRContainer& record, std::uint32_t offset);
+  ComPtr<IUnknown> MakePatient(const RecordValues& record);
+  ComPtr<IUnknown> MakeStudy(const RecordValues& record);
+  ComPtr<IUnknown> MakeSeries(const RecordValues& record);
+  ComPtr<IUnknown> MakeImage(const RecordValues& record, std::uint32_t offset);
+  BString ImagePath(const RecordValues& record, std::uint32_t offset);
   void LinkChildren(IUnknown* parent, RecordLevel level, std::uint32_t offset, ChildList& children);
 
   RecordCreators creators_;

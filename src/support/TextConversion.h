@@ -6,9 +6,13 @@
 #include <string>
 #include <string_view>
 
+#include "platform/BString.h"
+
 namespace halvorine {
 
 std::u16string ToWide(std::string_view text);
+// ToWide as a new BSTR, with no text in between when it is ASCII; null when out of memory.
+BString ToWideBString(std::string_view text);
 // A null pointer gives an empty text.
 std::string ToNarrow(const char16_t* text);
 std::string ToNarrow(std::u16string_view text);

@@ -1,15 +1,14 @@
-// Writes DICOMDIR files byte by byte in the forms that the writers of Debian's packages don't
+// DICOMDIR files written byte by byte in the forms that the writers of Debian's packages don't
 // make: implicit VR, no preamble, undefined-length items with their delimiters, records in
 // another physical order than their chain, icon image sequences inside records, and links of any
-// value. Offsets are worked out from the encoded sizes, so the links of a variant are right
-// unless a test overrides them.
+// value; links name records by index and are worked out from the encoded sizes. The reader's
+// tests and the load benchmark use them.
 #ifndef HALVORINE_TESTS_READING_DICOMDIRVARIANTS_H
 #define HALVORINE_TESTS_READING_DICOMDIRVARIANTS_H
 
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace halvorine::testing {
@@ -22,37 +21,21 @@ struct VariantAttribute {
 };
 
 struct VariantRecord {
-  explicit VariantRecord(std::string recordType,
-                         std::vector<VariantAttribute> recordAttributes = {}, int nextIndex = -1,
-                         int lowerIndex = -1)
-      : type(std::move(recordType)),
-        attributes(std::move(recordAttributes)),
-        next(nextIndex),
-        lower(lowerIndex) {}
-
   std::string type;
-  std::vector<VariantAttribute> attributes;  // in ascending tag order
-  int next = -1;                             // index of the next record, -1 for none
-  int lower = -1;                            // index of the first child, -1 for none
+  std::vector<VariantAttribute> attributes = {};  // in ascending tag order
+  int next = -1;                                  // index of the next record, -1 for none
+  int lower = -1;                                 // index of the first child, -1 for none
   bool iconImage = false;
-  // Values written as they stand instead of the offsets of next and lower.
-  std::optional<std::uint32_t> rawNext;
-  std::optional<std::uint32_t> rawLower;
-  enum class Form { kNumber, kMissing, kEmpty };
-  Form nextForm = Form::kNumber;  // (0004,1400) as a number, left out, or of length 0
+  std::optional<std::uint32_t> rawNext = {};  // written as it stands instead of next's offset
+  enum class Next { kNumber, kMissing, kEmpty } nextForm = Next::kNumber;  // (0004,1400)
 };
 
 struct VariantLayout {
-  VariantLayout() = default;
-  VariantLayout(bool implicit, bool withPreamble, bool undefined, std::vector<int> physical = {})
-      : implicitVR(implicit), preamble(withPreamble), undefinedItems(undefined), order(physical) {}
-
   bool implicitVR = false;
   bool preamble = true;
   bool undefinedItems = false;
-  std::vector<int> order;  // physical order of the records; empty for their index order
-  int root = 0;            // index of the first root record, -1 for none
-  std::optional<std::uint32_t> rawRoot;
+  std::vector<int> order = {};  // physical order of the records; empty for their index order
+  std::optional<std::uint32_t> rawRoot = {};  // instead of the first record's offset
 };
 
 std::string MakeDicomDir(const std::vector<VariantRecord>& records, const VariantLayout& layout);

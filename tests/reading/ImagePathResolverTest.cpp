@@ -12,11 +12,10 @@ namespace halvorine {
 namespace {
 
 TEST(ImagePathResolverTest, SplitsFileIdsAndRefusesThoseThatLeadOutside) {
-  struct Case {
+  const struct {
     const char* fileId;
     std::vector<std::string_view> components;  // empty when refused
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"IM1", {"IM1"}},    {"DICOM\\PA0\\IM0  ", {"DICOM", "PA0", "IM0"}},
       {"A/B", {"A", "B"}}, {" A\\B", {" A", "B"}},
       {"..", {}},          {"A\\..\\..\\etc", {}},
@@ -24,30 +23,23 @@ TEST(ImagePathResolverTest, SplitsFileIdsAndRefusesThoseThatLeadOutside) {
       {"/etc/passwd", {}}, {"A\\\\B", {}},
       {"A\\", {}},         {"   ", {}},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.fileId);
+  for (const auto& c : cases) {
     const auto components = ImagePathResolver::SplitFileId(c.fileId);
-    if (c.components.empty()) {
-      EXPECT_FALSE(components.has_value());
-    } else {
-      ASSERT_TRUE(components.has_value());
-      EXPECT_EQ(*components, c.components);
-    }
+    EXPECT_EQ(components.has_value(), !c.components.empty()) << c.fileId;
+    EXPECT_EQ(components.value_or(std::vector<std::string_view>{}), c.components) << c.fileId;
   }
 }
 
 TEST(ImagePathResolverTest, MatchesComponentsWithoutCaseOrVersionOnceListed) {
   TempFolder disc;
   disc.MakeFolder("dicom/pa0");
-  for (const char* name : {"dicom/pa0/im0;1", "dicom/pa0/IM1", "dicom/pa0/im1", "dicom/Im2"}) {
+  for (const char* name : {"dicom/pa0/im0;1", "dicom/pa0/IM1", "dicom/pa0/im1", "dicom/Im2"})
     WriteWholeFile(disc.Path(name), "");
-  }
   ImagePathResolver resolver(disc.Path());
-  struct Case {
+  const struct {
     std::vector<std::string_view> components;
     std::string expected;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {{"DICOM", "PA0", "IM0"}, "dicom/pa0/im0;1"},
       {{"DICOM", "PA0", "IM1"}, "dicom/pa0/IM1"},  // the exact name first
       {{"DICOM", "PA0", "iM1"}, "dicom/pa0/IM1"},  // then the first in byte order
@@ -55,10 +47,7 @@ TEST(ImagePathResolverTest, MatchesComponentsWithoutCaseOrVersionOnceListed) {
       {{"DICOM", "PA0", "IM9"}, "DICOM/PA0/IM9"},  // nothing answers: as formed
       {{"NOWHERE", "IM0"}, "NOWHERE/IM0"},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.expected);
-    EXPECT_EQ(resolver.Resolve(c.components), disc.Path(c.expected));
-  }
+  for (const auto& c : cases) EXPECT_EQ(resolver.Resolve(c.components), disc.Path(c.expected));
   // Each folder was listed once: a name that appears later isn't seen by this load.
   WriteWholeFile(disc.Path("dicom/pa0/IM9"), "");
   std::remove(disc.Path("dicom/pa0/IM1").c_str());

@@ -8,23 +8,14 @@
 #include <vector>
 
 #include "RaisedMessage.h"
+#include "ReadingTestSupport.h"
 #include "engine/elements/VRSequenceItem.h"
 #include "engine/elements/VRString.h"
-#include "service/DicomDirImage.h"
-#include "service/DicomDirPatient.h"
-#include "service/DicomDirSeries.h"
-#include "service/DicomDirStudy.h"
 #include "service/ModuleLock.h"
 #include "support/TextConversion.h"
 
-namespace halvorine {
+namespace halvorine::testing {
 namespace {
-
-using DicomEngine::VRSequenceItem;
-using DicomEngine::VRString;
-
-constexpr RecordCreators kCreators = {&CreateObject<DicomDirPatient>, &CreateObject<DicomDirStudy>,
-                                      &CreateObject<DicomDirSeries>, &CreateObject<DicomDirImage>};
 
 struct Text {
   std::uint16_t group;
@@ -32,24 +23,34 @@ struct Text {
   std::string value;
 };
 
-std::unique_ptr<VRSequenceItem> Record(const std::vector<Text>& texts) {
-  auto item = std::make_unique<VRSequenceItem>("", 0xFFFE, 0xE000, 0);
-  for (const Text& t : texts) {
-    item->Append(std::make_unique<VRString>("LO", t.group, t.element,
-                                            static_cast<std::uint32_t>(t.value.size()), t.value),
-                 false);
-  }
-  return item;
+template <class Interface>
+Interface* As(const MappedRecord& record) {
+  return static_cast<Interface*>(record.object.get());
 }
 
-std::string Narrow(BSTR text) { return text == nullptr ? "(null)" : ToNarrow(text); }
+template <class Interface>
+std::string Get(const MappedRecord& record, HRESULT (Interface::*getter)(BSTR*)) {
+  BString text;
+  (As<Interface>(record)->*getter)(text.Receive());
+  return text.IsNull() ? "(null)" : ToNarrow(text.get());
+}
 
 class RecordMapperTest : public ::testing::Test {
  protected:
   void TearDown() override { EXPECT_EQ(ModuleLock::Count(), 0); }
 
-  MappedRecord Map(const std::vector<Text>& texts, ChildList children = {}) {
-    return mapper_.MapRecord(*Record(texts), 400, children);
+  // A record of type with the texts, all as LO.
+  MappedRecord Map(const char* type, const std::vector<Text>& texts = {}, ChildList children = {}) {
+    DicomEngine::VRSequenceItem item("", 0xFFFE, 0xE000, 0);
+    std::vector<Text> all = texts;
+    if (type != nullptr) all.insert(all.begin(), {0x0004, 0x1430, type});
+    for (const Text& t : all) {
+      item.Append(
+          std::make_unique<DicomEngine::VRString>(
+              "LO", t.group, t.element, static_cast<std::uint32_t>(t.value.size()), t.value),
+          false);
+    }
+    return mapper_.MapRecord(RecordValues(item), 400, children);
   }
 
   RecordMapper mapper_{kCreators, u"/disc"};
@@ -63,11 +64,11 @@ TEST_F(RecordMapperTest, RecordTypesMatchTrimmedAndWithCase) {
   };
   for (const auto& [type, level] : cases) {
     SCOPED_TRACE(type);
-    const MappedRecord mapped = Map({{0x0004, 0x1430, type}});
+    const MappedRecord mapped = Map(type);
     EXPECT_EQ(mapped.level, level);
     EXPECT_EQ(mapped.object.get() == nullptr, level == RecordLevel::kOther);
   }
-  EXPECT_TRUE(IsPlaced(RaisedMessage([&] { Map({}); }), "The DICOMDIR record type is missing.",
+  EXPECT_TRUE(IsPlaced(RaisedMessage([&] { Map(nullptr); }), "The DICOMDIR record type is missing.",
                        "DicomDirImpl"));
 }
 
@@ -86,69 +87,56 @@ TEST_F(RecordMapperTest, StudyDatesJoinDateAndTime) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.date) + " " + c.time);
-    const MappedRecord mapped =
-        Map({{0x0004, 0x1430, "STUDY"}, {0x0008, 0x0020, c.date}, {0x0008, 0x0030, c.time}});
     DATE date = -1;
-    static_cast<IDicomDirStudy*>(mapped.object.get())->GetStudyDate(&date);
+    As<IDicomDirStudy>(Map("STUDY", {{0x0008, 0x0020, c.date}, {0x0008, 0x0030, c.time}}))
+        ->GetStudyDate(&date);
     EXPECT_NEAR(date, c.expected, 1e-9);
   }
 }
 
+// Texts keep their padding; a missing one is null, a missing file ID gives the folder.
 TEST_F(RecordMapperTest, NumbersGoThroughAtoiAndTextsKeepTheirPadding) {
   const struct {
-    const char* value;
-    bool present;
+    const char* value;  // null: not present
     SHORT series;
     LONGLONG instance;
   } cases[] = {
-      {"12 ", true, 12, 12},        {" -5", true, -5, -5}, {"abc", true, 0, 0},
-      {"70000", true, 4464, 70000}, {"", true, 0, 0},      {"", false, 0, 0},
+      {"12 ", 12, 12},        {" -5", -5, -5}, {"abc", 0, 0},
+      {"70000", 4464, 70000}, {"", 0, 0},      {nullptr, 0, 0},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.value);
-    std::vector<Text> series = {{0x0004, 0x1430, "SERIES"}, {0x0008, 0x0060, "MR "}};
-    std::vector<Text> image = {{0x0004, 0x1430, "IMAGE"}};
-    if (c.present) {
+    SCOPED_TRACE(c.value == nullptr ? "(none)" : c.value);
+    std::vector<Text> series = {{0x0008, 0x0060, "MR "}};
+    std::vector<Text> image;
+    if (c.value != nullptr) {
       series.push_back({0x0020, 0x0011, c.value});
       image.push_back({0x0020, 0x0013, c.value});
     }
     SHORT seriesNumber = -1;
     LONGLONG instanceNumber = -1;
-    const MappedRecord s = Map(series);
-    static_cast<IDicomDirSeries*>(s.object.get())->GetSeriesNumber(&seriesNumber);
-    static_cast<IDicomDirImage*>(Map(image).object.get())->GetInstanceNumber(&instanceNumber);
+    const MappedRecord s = Map("SERIES", series);
+    const MappedRecord i = Map("IMAGE", image);
+    As<IDicomDirSeries>(s)->GetSeriesNumber(&seriesNumber);
+    As<IDicomDirImage>(i)->GetInstanceNumber(&instanceNumber);
     EXPECT_EQ(seriesNumber, c.series);
     EXPECT_EQ(instanceNumber, c.instance);
-    BString modality;
-    static_cast<IDicomDirSeries*>(s.object.get())->GetModality(modality.Receive());
-    EXPECT_EQ(Narrow(modality.get()), "MR ");
+    EXPECT_EQ(Get(s, &IDicomDirSeries::GetModality), "MR ");
+    EXPECT_EQ(Get(i, &IDicomDirImage::GetImageFilename), "/disc/");
   }
-}
-
-TEST_F(RecordMapperTest, MissingTextsAndFileIdsGiveNullAndTheFolder) {
-  const MappedRecord patient = Map({{0x0004, 0x1430, "PATIENT"}, {0x0010, 0x0010, "Doe^J "}});
-  BString name;
-  BString id;
-  static_cast<IDicomDirPatient*>(patient.object.get())->GetDicomPatName(name.Receive());
-  static_cast<IDicomDirPatient*>(patient.object.get())->GetPatientID(id.Receive());
-  EXPECT_EQ(Narrow(name.get()), "Doe^J ");
-  EXPECT_TRUE(id.IsNull());
-  BString path;
-  static_cast<IDicomDirImage*>(Map({{0x0004, 0x1430, "IMAGE"}}).object.get())
-      ->GetImageFilename(path.Receive());
-  EXPECT_EQ(Narrow(path.get()), "/disc/");
+  const MappedRecord patient = Map("PATIENT", {{0x0010, 0x0010, "Doe^J "}});
+  EXPECT_EQ(Get(patient, &IDicomDirPatient::GetDicomPatName), "Doe^J ");
+  EXPECT_EQ(Get(patient, &IDicomDirPatient::GetPatientID), "(null)");
 }
 
 TEST_F(RecordMapperTest, ParentsHoldTheOnlyReferenceAndChildrenPointBack) {
   ChildList children;
-  children.push_back(Map({{0x0004, 0x1430, "STUDY"}}));
+  children.push_back(Map("STUDY"));
   children.push_back(MappedRecord{});
-  children.push_back(Map({{0x0004, 0x1430, "IMAGE"}}));  // wrong level: passed over
+  children.push_back(Map("IMAGE"));  // wrong level: passed over
   IUnknown* study = children[0].object.get();
-  MappedRecord patient = Map({{0x0004, 0x1430, "PATIENT"}}, std::move(children));
-  auto* p = static_cast<IDicomDirPatient*>(patient.object.get());
+  const MappedRecord patient = Map("PATIENT", {}, std::move(children));
   SafeArrayPtr studies;
-  ASSERT_EQ(p->GetStudies(studies.Receive()), S_OK);
+  ASSERT_EQ(As<IDicomDirPatient>(patient)->GetStudies(studies.Receive()), S_OK);
   LONG upper = -1;
   SafeArrayGetUBound(studies.get(), 1, &upper);
   EXPECT_EQ(upper, 1);  // the study and a null slot
@@ -157,8 +145,8 @@ TEST_F(RecordMapperTest, ParentsHoldTheOnlyReferenceAndChildrenPointBack) {
   EXPECT_EQ(study->Release(), 1u);
   IDicomDirPatient* back = nullptr;
   static_cast<IDicomDirStudy*>(study)->GetPatient(&back);
-  EXPECT_EQ(back, p);  // a bare link, with no reference
+  EXPECT_EQ(back, As<IDicomDirPatient>(patient));  // a bare link, with no reference
 }
 
 }  // namespace
-}  // namespace halvorine
+}  // namespace halvorine::testing

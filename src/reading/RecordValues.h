@@ -1,0 +1,68 @@
+// What a load reads of one directory record, copied out of the parsed tree so that the tree can
+// go before the record objects are made: a directory of 100,000 records holds more than a
+// million elements, and the objects need only a few texts and the two links of each record.
+#ifndef HALVORINE_READING_RECORDVALUES_H
+#define HALVORINE_READING_RECORDVALUES_H
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "engine/elements/VRContainer.h"
+
+namespace halvorine {
+
+// An offset attribute as the tree held it. Its failures are raised only when the walk reads it,
+// so that a load fails where and as it would read the element itself.
+class RecordLink {
+ public:
+  RecordLink() = default;
+  RecordLink(const DicomEngine::VRContainer& container, std::uint16_t group,
+             std::uint16_t element);
+
+  // The first number, as signed 32 bits. Raises when there was no "UL" element, or one with no
+  // number; where is the offset of the record that holds it, for the message.
+  std::int32_t Read(std::uint32_t where) const;
+
+ private:
+  enum class State : std::uint8_t { kMissing, kEmpty, kNumber };
+
+  State state_ = State::kMissing;
+  std::uint16_t group_ = 0;
+  std::uint16_t element_ = 0;
+  std::int32_t number_ = 0;
+};
+
+class RecordValues {
+ public:
+  // The entry of a delimiter or a fragment, where no record begins.
+  RecordValues() = default;
+  explicit RecordValues(const DicomEngine::VRContainer& record);
+
+  bool IsRecord() const { return isRecord_; }
+  // The value of a text element among those that a load reads, empty ones included; nothing when
+  // the record has no such text element. The view's data() ends with a NUL.
+  std::optional<std::string_view> Text(std::uint16_t group, std::uint16_t element) const;
+
+  RecordLink next;   // (0004,1400)
+  RecordLink lower;  // (0004,1420)
+
+ private:
+  // The record type and the attributes that the four levels map, in ascending order.
+  static constexpr std::array<std::uint32_t, 17> kTags = {
+      0x00041430, 0x00041500, 0x00041510, 0x00041511, 0x00080020, 0x00080030,
+      0x00080050, 0x00080060, 0x00080080, 0x00081030, 0x00100010, 0x00100020,
+      0x0020000D, 0x0020000E, 0x00200010, 0x00200011, 0x00200013};
+
+  bool isRecord_ = false;
+  // The kept texts in element order, one entry each: the tag's index in kTags plus one, the
+  // value, a NUL. A record keeps a handful, so a search through them costs less than room for
+  // all.
+  std::string texts_;
+};
+
+}  // namespace halvorine
+
+#endif  // HALVORINE_READING_RECORDVALUES_H
