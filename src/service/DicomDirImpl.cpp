@@ -19,10 +19,9 @@ namespace {
 
 constexpr std::uint32_t kHighestTraceLevel = 4;
 
-constexpr RecordCreators kRecordCreators = {&CreateObject<DicomDirPatient>,
-                                            &CreateObject<DicomDirStudy>,
-                                            &CreateObject<DicomDirSeries>,
-                                            &CreateObject<DicomDirImage>};
+constexpr RecordCreators kRecordCreators = {
+    &CreateObject<DicomDirPatient>, &CreateObject<DicomDirStudy>, &CreateObject<DicomDirSeries>,
+    &CreateObject<DicomDirImage>};
 
 }  // namespace
 

@@ -1,25 +1,22 @@
 #include "writing/RecordArray.h"
 
-#include <utility>
-
 #include "writing/WritingCommon.h"
 
 namespace halvorine {
 
-RecordArray::RecordArray(SAFEARRAY* array, const char* level) : array_(array), level_(level) {
-  if (array_ == nullptr) return;
-  CheckStatus(SafeArrayGetLBound(array_, 1, &lower_), __LINE__);
-  CheckStatus(SafeArrayGetUBound(array_, 1, &upper_), __LINE__);
+RecordArray::RecordArray(SAFEARRAY* array, const char* level) : level_(level) {
+  CheckStatus(ForEachElement(array,
+                             [this](LONG index, IUnknown* element) {
+                               if (elements_.empty()) lower_ = index;
+                               upper_ = index;
+                               elements_.push_back(ComPtr<IUnknown>::Share(element));
+                             }),
+              __LINE__);
 }
 
-RecordArray::RecordArray(SafeArrayPtr array, const char* level) : RecordArray(array.get(), level) {
-  owned_ = std::move(array);
-}
-
-ComPtr<IUnknown> RecordArray::GetElement(LONG index) const {
-  ComPtr<IUnknown> element;
-  CheckStatus(SafeArrayGetElement(array_, &index, element.Receive()), __LINE__);
-  if (!element)
+IUnknown* RecordArray::GetElement(LONG index) const {
+  IUnknown* element = elements_[static_cast<std::size_t>(index - lower_)].get();
+  if (element == nullptr)
     Raise(kWriterUnit, __LINE__, "The %s array holds a NULL element at index %d.", level_, index);
   return element;
 }

@@ -3,20 +3,23 @@
 
 #include <halvorine/com.h>
 
+#include <vector>
+
 #include "platform/ComPtr.h"
 #include "platform/SafeArrayPtr.h"
 
 namespace halvorine {
 
-// One array of the tree as the walk reads it: its own bounds, and its elements asked for the
+// One array of the tree as the walk reads it: its bounds, and its elements asked for the
 // interface of their level. A null array holds nothing: a load leaves a childless record's array
 // null, and such a tree must be writable too.
 class RecordArray {
  public:
-  // Borrows array, which must outlive this object. level names the array in failures.
+  // Holds a reference to each element, so that array need not outlive this object. level names
+  // the array in failures.
   RecordArray(SAFEARRAY* array, const char* level);
-  // Takes over array, a child array that a getter handed out.
-  RecordArray(SafeArrayPtr array, const char* level);
+  // For a child array that a getter handed out.
+  RecordArray(SafeArrayPtr array, const char* level) : RecordArray(array.get(), level) {}
 
   LONG Lower() const { return lower_; }
   LONG Upper() const { return upper_; }
@@ -27,17 +30,16 @@ class RecordArray {
   template <class Interface>
   ComPtr<Interface> Get(LONG index, REFIID iid) const {
     ComPtr<Interface> typed;
-    AskFor(GetElement(index).get(), iid, reinterpret_cast<void**>(typed.Receive()));
+    AskFor(GetElement(index), iid, reinterpret_cast<void**>(typed.Receive()));
     return typed;
   }
 
  private:
-  ComPtr<IUnknown> GetElement(LONG index) const;
+  IUnknown* GetElement(LONG index) const;
   static void AskFor(IUnknown* element, REFIID iid, void** typed);
 
-  SafeArrayPtr owned_;
-  SAFEARRAY* array_;
   const char* level_;
+  std::vector<ComPtr<IUnknown>> elements_;
   LONG lower_ = 0;
   LONG upper_ = -1;
 };

@@ -1,40 +1,49 @@
 // What the writer's tests share: trees of record objects made through the class objects, a
-// DICOMDIR read back byte by byte, and a file system that notes copies and fails them on demand.
+// DICOMDIR read back byte by byte, and a file system that fails copies on demand.
 #ifndef HALVORINE_TESTS_WRITING_DISCTESTSUPPORT_H
 #define HALVORINE_TESTS_WRITING_DISCTESTSUPPORT_H
 
 #include <halvorine/dicomdir.h>
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "engine/encoding/BufferWriter.h"
 #include "platform/BString.h"
 #include "platform/ComPtr.h"
 #include "platform/FileSystem.h"
 #include "platform/SafeArrayPtr.h"
-#include "support/SettingsHelper.h"
 
 namespace halvorine {
 
-// New objects through the class objects, as a host makes them.
-ComPtr<IDicomDirImpl> NewService();
-ComPtr<IDicomDirPatient> NewPatient();
-ComPtr<IDicomDirStudy> NewStudy();
-ComPtr<IDicomDirSeries> NewSeries();
-ComPtr<IDicomDirImage> NewImage();
+// A new object through its class object, as a host makes it.
+template <class Interface>
+ComPtr<Interface> New(REFCLSID clsid, REFIID iid) {
+  ComPtr<Interface> object;
+  ComPtr<IClassFactory> factory;
+  EXPECT_EQ(
+      DllGetClassObject(clsid, IID_IClassFactory, reinterpret_cast<void**>(factory.Receive())),
+      S_OK);
+  if (factory) {
+    EXPECT_EQ(factory->CreateInstance(nullptr, iid, reinterpret_cast<void**>(object.Receive())),
+              S_OK);
+  }
+  return object;
+}
+#define HALVORINE_NEW(Name) New<I##Name>(CLSID_##Name, IID_I##Name)
 
-BString Bstr(std::u16string_view text);
 BString Bstr(const std::string& narrowText);
 
 // Every test that makes objects of the component leaves none alive.
 class ObjectsReleasedTest : public testing::Test {
  protected:
-  void TearDown() override;
+  void TearDown() override {
+    EXPECT_EQ(DllCanUnloadNow(), S_OK) << "an object of the component outlived its test";
+  }
 };
 
 // Patients, their studies, their series, and the count of images in each series.
@@ -49,33 +58,27 @@ SafeArrayPtr MakeTree(const TreeShape& shape, const std::string& imageSource, LO
 // the path of its DICOMDIR; a failing call fails the test.
 std::string CreateDiscThroughService(const std::string& folder, SAFEARRAY* tree);
 
-// What the command line writes to its output and error streams; a command that can't be run
-// (an oracle that tools/setup.sh hasn't installed) fails the test.
-std::string RunTool(const std::string& commandLine);
+// What tool prints of the DICOMDIR of a disc of 2 patients, 3 studies, 3 series and 3 images.
+// A tool that can't be run (an oracle that tools/setup.sh hasn't installed) fails the test.
+std::string ToolOutputOfADisc(const std::string& tool);
 
-// A settings table of its own with the one line <add key="AeTitle" value="aeTitle"/>, or with
-// none when aeTitle is null.
-SettingsHelper MakeSettings(const std::string& folder, const char* aeTitle);
-
-// The element key of the maps below: group << 16 | element.
+// The value bytes of each element by group << 16 | element, read with the explicit VR little
+// endian rules alone.
 constexpr std::uint32_t Tag(std::uint16_t group, std::uint16_t element) {
   return std::uint32_t{group} << 16 | element;
 }
-
-// The value bytes of each element, read with the explicit VR little endian rules alone.
 using ElementValues = std::map<std::uint32_t, std::string>;
-
-struct DirectoryRecord {
-  std::uint32_t offset;  // in the file, of its (FFFE,E000)
-  ElementValues values;
-};
 
 struct DirectoryFile {
   std::string bytes;
   ElementValues header;
   std::uint32_t sequenceLength = 0;
   std::uint32_t firstRecordOffset = 0;  // where the records begin, behind the header
-  std::vector<DirectoryRecord> records;
+  struct Record {
+    std::uint32_t offset;  // in the file, of its (FFFE,E000)
+    ElementValues values;
+  };
+  std::vector<Record> records;
 };
 
 DirectoryFile ReadDirectoryFile(const std::string& path);
@@ -85,16 +88,17 @@ DirectoryFile ReadDirectoryFile(const std::string& path);
 std::string LittleEndian(std::uint32_t value, int size);
 std::string Encoded(std::uint16_t group, std::uint16_t element, const std::string& code,
                     const std::string& value);
-// The writer's stream as bytes.
 std::string BytesOf(const DicomEngine::BufferWriter& writer);
 std::uint32_t ULOf(const std::string& value);
 
 // The real file system, but the copy numbered failAt (from 0) gives error instead.
 class ScriptedFileSystem final : public FileSystem {
  public:
-  explicit ScriptedFileSystem(int failAt = -1, int error = 0) : failAt_(failAt), error_(error) {}
-  int MakeDirectory(const std::string& path) override;
-  int CopyFileNoReplace(const std::string& source, const std::string& target) override;
+  ScriptedFileSystem(int failAt, int error) : failAt_(failAt), error_(error) {}
+  int MakeDirectory(const std::string& path) override { return Posix().MakeDirectory(path); }
+  int CopyFileNoReplace(const std::string& source, const std::string& target) override {
+    return copies_++ == failAt_ ? error_ : Posix().CopyFileNoReplace(source, target);
+  }
 
  private:
   int copies_ = 0;

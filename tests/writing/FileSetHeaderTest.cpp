@@ -63,23 +63,23 @@ TEST(FileSetHeaderTest, EveryByteOfTheHeader) {
 }
 
 TEST(FileSetHeaderTest, AMissingAeTitleIsNestedInTheFailure) {
-  TempFolder folder;
+  const TempFolder folder;
   SettingsHelper settings;
   settings.Load(folder.Path("no-such.config"));
   DicomEngine::FileWriter writer;
   DicomEngine::OffsetMap headerMap;
+  std::string xml = "nothing raised";
   try {
     BuildFileSetHeader(writer, headerMap,
                        [&](const std::string& key) { return settings.Get(key); });
-    ADD_FAILURE() << "nothing raised";
   } catch (const MyException& failure) {
-    const std::string xml = ToNarrow(failure.ToXml());
-    EXPECT_TRUE(std::regex_match(
-        xml, std::regex("<exception Message=\"Failed to read setting\\. File=DicomDirImpl, "
-                        "Line=[1-9][0-9]*\"><exception Message=\"Cannot find the AeTitle "
-                        "setting key\\.\"></exception></exception>")))
-        << xml;
+    xml = ToNarrow(failure.ToXml());
   }
+  EXPECT_TRUE(std::regex_match(
+      xml, std::regex("<exception Message=\"Failed to read setting\\. File=DicomDirImpl, "
+                      "Line=[1-9][0-9]*\"><exception Message=\"Cannot find the AeTitle "
+                      "setting key\\.\"></exception></exception>")))
+      << xml;
 }
 
 }  // namespace

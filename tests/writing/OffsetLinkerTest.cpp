@@ -18,22 +18,16 @@ TEST(OffsetLinkerTest, FailuresNameWhatIsMissing) {
   DicomEngine::BufferWriter writer("1.2.840.10008.1.2.1");
   writer.WriteUnsignedLong(0);
   const OffsetMap recordMap{{0x14000004, 0}};
-  const struct {
-    std::function<void()> action;
-    std::string message;
-  } cases[] = {
-      {[&] {
-         OffsetMap map;
-         WriteRecord(nullptr, writer, map);
-       },
-       "The DICOMDIR sequence VR is NULL."},
+  OffsetMap map;
+  const std::pair<std::function<void()>, std::string> cases[] = {
+      {[&] { WriteRecord(nullptr, writer, map); }, "The DICOMDIR sequence VR is NULL."},
       {[&] { LinkOffset(0x0004, 0x1420, 0, writer, recordMap, "Can't find this."); },
        "Can't find this."},
       {[&] { CloseRecordSequence(0, writer, recordMap); }, "Can't find the records SQ VR."},
   };
-  for (const auto& c : cases) {
-    const std::string message = RaisedMessage(c.action);
-    EXPECT_TRUE(IsPlaced(message, c.message, "DicomDirImpl")) << message;
+  for (const auto& [action, proper] : cases) {
+    const std::string message = RaisedMessage(action);
+    EXPECT_TRUE(IsPlaced(message, proper, "DicomDirImpl")) << message;
   }
 }
 

@@ -41,16 +41,7 @@ std::string DateText(DATE date) {
 class TreePrinter {
  public:
   void PrintArray(SAFEARRAY* array, int level) {
-    if (array == nullptr) return;
-    LONG lower = 0;
-    LONG upper = -1;
-    SafeArrayGetLBound(array, 1, &lower);
-    SafeArrayGetUBound(array, 1, &upper);
-    for (LONG i = lower; i <= upper; ++i) {
-      ComPtr<IUnknown> object;
-      SafeArrayGetElement(array, &i, object.Receive());
-      PrintObject(object.get(), level);
-    }
+    ForEachElement(array, [&](LONG, IUnknown* object) { PrintObject(object, level); });
   }
 
  private:
