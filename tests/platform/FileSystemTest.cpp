@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <string>
+#include <tuple>
 
 #include "TempFolder.h"
 
@@ -47,8 +48,9 @@ TEST(FileSystemTest, MakeDirectoryUsesMode0777UnderTheUmaskAndGivesErrno) {
   EXPECT_EQ(FileSystem::Posix().MakeDirectory(temp.Path("missing/new")), ENOENT);
 }
 
-TEST(FileSystemTest, CopyIsByteIdentical) {
-  // Empty, below one read block, and large enough to cross many blocks with an odd tail.
+// Empty, below one read block, and large enough to cross many blocks with an odd tail. A failed
+// copy makes no target and never replaces one.
+TEST(FileSystemTest, CopyIsByteIdenticalOrFailsWithErrno) {
   for (const std::size_t size : {std::size_t{0}, std::size_t{1000}, std::size_t{(5 << 20) + 123}}) {
     TempFolder temp;
     const std::string content = Pattern(size);
@@ -57,25 +59,17 @@ TEST(FileSystemTest, CopyIsByteIdentical) {
     EXPECT_TRUE(ReadWholeFile(temp.Path("target")) == content) << size;
     EXPECT_TRUE(ReadWholeFile(temp.Path("source")) == content) << size;
   }
-}
-
-// A failed copy makes no target and never replaces one.
-TEST(FileSystemTest, CopyFailsWithErrnoAndLeavesTheTargetAlone) {
   TempFolder temp;
   WriteWholeFile(temp.Path("source"), "new content");
   WriteWholeFile(temp.Path("old"), "old");
   temp.MakeFolder("folder");
-  const struct {
-    std::string source;
-    std::string target;
-    int expected;
-  } cases[] = {
+  const std::tuple<std::string, std::string, int> cases[] = {
       {temp.Path("source"), temp.Path("old"), EEXIST},
       {temp.Path("missing"), temp.Path("target"), ENOENT},
       {temp.Path("folder"), temp.Path("target"), EISDIR},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(FileSystem::Posix().CopyFileNoReplace(c.source, c.target), c.expected) << c.target;
+  for (const auto& [source, target, error] : cases) {
+    EXPECT_EQ(FileSystem::Posix().CopyFileNoReplace(source, target), error) << source;
   }
   EXPECT_EQ(ReadWholeFile(temp.Path("old")), "old");
   EXPECT_EQ(ModeOf(temp.Path("target")), 0u);

@@ -5,52 +5,44 @@
 
 #include <bit>
 #include <string>
+#include <utility>
 
 namespace halvorine {
 namespace {
 
-constexpr char16_t kReplacement = 0xFFFD;
-
-struct CodecCase {
-  const char* name;
-  std::string utf8;
-  std::u16string utf16;
-};
-
-// One U+FFFD for each ill-formed sequence; the byte that breaks a sequence starts the next one.
-TEST(TextCodecTest, ReplacesMalformedUtf8) {
-  const CodecCase cases[] = {
-      {"stray continuation", "\x80Z", {kReplacement, u'Z'}},
-      {"lead C0 is never valid", "\xC0\xAF", {kReplacement, kReplacement}},
-      {"lead C1 is never valid", "\xC1\xBF", {kReplacement, kReplacement}},
-      {"lead F5 and beyond", "\xF5\x80", {kReplacement, kReplacement}},
-      {"byte FF", "a\xFFz", {u'a', kReplacement, u'z'}},
-      {"truncated before ascii", "\xE2\x82Z", {kReplacement, u'Z'}},
-      {"truncated before a lead", "\xE2\xC3\xA9", {kReplacement, u'\u00E9'}},
-      {"truncated at the end", "a\xF0\x9D\x84", {u'a', kReplacement}},
-      {"overlong three bytes", "\xE0\x80\xAFZ", {kReplacement, u'Z'}},
-      {"overlong four bytes", "\xF0\x8F\xBF\xBF", {kReplacement}},
-      {"encoded high surrogate", "\xED\xA0\x80", {kReplacement}},
-      {"encoded low surrogate", "\xED\xBF\xBF", {kReplacement}},
-      {"beyond U+10FFFF", "\xF4\x90\x80\x80", {kReplacement}},
-  };
-  for (const CodecCase& c : cases) EXPECT_EQ(Utf8ToUtf16(c.utf8), c.utf16) << c.name;
-}
-
-TEST(TextCodecTest, ReplacesLoneSurrogates) {
+// One U+FFFD for each ill-formed sequence, the byte that breaks a sequence starting the next
+// one; a lone surrogate gives one U+FFFD too.
+TEST(TextCodecTest, ReplacesMalformedUtf8AndLoneSurrogates) {
+  const std::u16string r(1, 0xFFFD);
   const char16_t high = 0xD834;
   const char16_t low = 0xDD1E;
+  const std::pair<std::string, std::u16string> malformed[] = {
+      {"\x80Z", r + u'Z'},  // stray continuation
+      {"\xC0\xAF", r + r},  // C0 and C1 are never valid
+      {"\xC1\xBF", r + r},
+      {"\xF5\x80", r + r},  // F5 and beyond
+      {"a\xFFz", u'a' + r + u'z'},
+      {"\xE2\x82Z", r + u'Z'},          // truncated before ascii
+      {"\xE2\xC3\xA9", r + u'\u00E9'},  // truncated before a lead
+      {"a\xF0\x9D\x84", u'a' + r},      // truncated at the end
+      {"\xE0\x80\xAFZ", r + u'Z'},      // overlong
+      {"\xF0\x8F\xBF\xBF", r},
+      {"\xED\xA0\x80", r},  // encoded surrogates
+      {"\xED\xBF\xBF", r},
+      {"\xF4\x90\x80\x80", r},  // beyond U+10FFFF
+  };
+  for (const auto& [utf8, utf16] : malformed) EXPECT_EQ(Utf8ToUtf16(utf8), utf16) << utf8;
   const std::string replacement = "\xEF\xBF\xBD";
   const std::string pair = "\xF0\x9D\x84\x9E";
-  const CodecCase cases[] = {
-      {"lone high before ascii", replacement + "A", {high, u'A'}},
-      {"lone high at the end", "A" + replacement, {u'A', high}},
-      {"lone low", "A" + replacement + "B", {u'A', low, u'B'}},
-      {"pair reversed", replacement + replacement, {low, high}},
-      {"high before a pair", replacement + pair, {high, high, low}},
-      {"pair before a low", pair + replacement, {high, low, low}},
+  const std::pair<std::u16string, std::string> lone[] = {
+      {{high, u'A'}, replacement + "A"},
+      {{u'A', high}, "A" + replacement},
+      {{u'A', low, u'B'}, "A" + replacement + "B"},
+      {{low, high}, replacement + replacement},
+      {{high, high, low}, replacement + pair},
+      {{high, low, low}, pair + replacement},
   };
-  for (const CodecCase& c : cases) EXPECT_EQ(Utf16ToUtf8(c.utf16), c.utf8) << c.name;
+  for (const auto& [utf16, utf8] : lone) EXPECT_EQ(Utf16ToUtf8(utf16), utf8) << utf8;
 }
 
 // glibc's iconv serves as an independent encoder.

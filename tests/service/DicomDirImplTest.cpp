@@ -2,16 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
+#include <functional>
 #include <limits>
-#include <optional>
-#include <ostream>
 #include <regex>
 #include <string>
 
 #include "ServiceTestSupport.h"
+#include "TempFolder.h"
 #include "support/TextConversion.h"
 #include "writing/ViewerPackage.h"
 
@@ -19,30 +17,6 @@ namespace halvorine {
 namespace {
 
 namespace fs = std::filesystem;
-
-// A folder of the test's own, removed with everything in it.
-class TempFolder {
- public:
-  TempFolder() {
-    std::string pattern = (fs::temp_directory_path() / "halvorine-service-XXXXXX").string();
-    if (mkdtemp(pattern.data()) != nullptr) path_ = pattern;
-  }
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
-  ~TempFolder() {
-    std::error_code ignored;
-    if (!path_.empty()) fs::remove_all(path_, ignored);
-  }
-  const std::string& path() const { return path_; }
-
- private:
-  std::string path_;
-};
-
-std::string EscapeRegex(const std::string& text) {
-  static const std::regex kSpecial(R"([.^$|()\[\]{}*+?\\])");
-  return std::regex_replace(text, kSpecial, R"(\$&)");
-}
 
 class DicomDirImplTest : public ServiceTest {
  protected:
@@ -62,15 +36,20 @@ class DicomDirImplTest : public ServiceTest {
     return ToNarrow(TakeFailureDescription());
   }
 
-  // Checks that the description is the XML form of messageProper raised in DicomDirImpl.
-  static void ExpectRaised(const std::string& description, const std::string& messageProper) {
-    const std::regex form("<exception Message=\"" + EscapeRegex(messageProper) +
-                          " File=DicomDirImpl, Line=[1-9][0-9]*\"></exception>");
-    EXPECT_TRUE(std::regex_match(description, form)) << description;
+  // Whether the description is the XML form of messageProper raised in DicomDirImpl.
+  static bool IsRaised(const std::string& description, const std::string& messageProper) {
+    const std::string head = "<exception Message=\"" + messageProper + " File=DicomDirImpl, Line=";
+    return description.rfind(head, 0) == 0 &&
+           std::regex_match(description.substr(head.size()),
+                            std::regex("[1-9][0-9]*\"></exception>"));
   }
 
-  HRESULT Load(const std::string& folder, SafeArrayPtr* patients) {
-    return service_->LoadDicomDir(Text(ToWide(folder)).get(), patients->Receive());
+  // A load of folder, which fails handing out no tree; gives the failure's description.
+  std::string LoadFailure(const std::string& folder, HRESULT expected = E_FAIL) {
+    SafeArrayPtr patients;
+    const HRESULT status = service_->LoadDicomDir(Text(ToWide(folder)).get(), patients.Receive());
+    EXPECT_EQ(patients.get(), nullptr) << "a failed load handed out a tree";
+    return Failure(status, expected);
   }
 
   ComPtr<IDicomDirImpl> service_;
@@ -85,140 +64,81 @@ TEST_F(DicomDirImplTest, LoadChecksItsArgumentsDirectoryFirst) {
   EXPECT_EQ(Failure(service_->LoadDicomDir(Text(u"/tmp").get(), nullptr), E_POINTER),
             "NULL patients array in the Halvorine.");
   EXPECT_EQ(patients.get(), nullptr);
-}
-
-TEST_F(DicomDirImplTest, LoadOfAMissingFolderNamesIt) {
   for (const char* folder : {"/no/such/folder", "/no/such/folder/"}) {
-    SCOPED_TRACE(folder);
-    SafeArrayPtr patients;
-    ExpectRaised(Failure(Load(folder, &patients), E_FAIL), "Can't open folder /no/such/folder");
-    EXPECT_EQ(patients.get(), nullptr);
+    const std::string description = LoadFailure(folder);
+    EXPECT_TRUE(IsRaised(description, "Can't open folder /no/such/folder")) << description;
   }
 }
 
-struct FolderCase {
-  const char* name;
-  void (*fill)(const fs::path& folder);
-  HRESULT status;
-  // The message proper of a raised failure, after the folder and a '/'; none for a plain one.
-  std::optional<std::string> raisedAfterFolder;
-  std::string plainDescription;
-  // A text that the description of a lower layer's failure holds.
-  const char* contained = nullptr;
-};
-
-void PrintTo(const FolderCase& c, std::ostream* os) { *os << c.name; }
-
-void MakeFile(const fs::path& path) { std::ofstream(path) << "not parsed yet"; }
-
-class DicomDirImplFolders : public DicomDirImplTest,
-                            public testing::WithParamInterface<FolderCase> {};
-
-TEST_P(DicomDirImplFolders, LoadFindsTheFileOrSaysWhy) {
-  TempFolder folder;
-  ASSERT_FALSE(folder.path().empty());
-  GetParam().fill(folder.path());
-  SafeArrayPtr patients;
-  const HRESULT status = Load(folder.path(), &patients);
-  const std::string description = Failure(status, GetParam().status);
-  if (GetParam().raisedAfterFolder) {
-    ExpectRaised(description,
-                 "Can't open file " + folder.path() + "/" + *GetParam().raisedAfterFolder);
-  } else if (!GetParam().plainDescription.empty()) {
-    EXPECT_EQ(description, GetParam().plainDescription);
-  } else {
-    EXPECT_NE(description.find(GetParam().contained), std::string::npos) << description;
+// A found file that isn't DICOM reaches the parser, which refuses it.
+TEST_F(DicomDirImplTest, LoadFindsTheFileOrSaysWhy) {
+  const auto file = [](const fs::path& path) { WriteWholeFile(path.string(), "not parsed yet"); };
+  const struct {
+    std::function<void(const fs::path&)> fill;
+    char form;  // 'r': "Can't open file" raised; '=': the description; '~': a text that it holds
+    std::string description;
+  } cases[] = {
+      {[](const fs::path&) {}, 'r', ""},
+      {[&](const fs::path& f) { file(f / "DICOMDIR.BAK"), file(f / "IM0"); }, 'r', ""},
+      {[&](const fs::path& f) { fs::create_directory(f / "DICOM"), file(f / "DICOM/DICOMDIR"); },
+       'r', ""},
+      {[](const fs::path& f) { fs::create_directory(f / "DICOMDIR"); }, '=',
+       "No DICOMDIR file found in the specified directory."},
+      {[&](const fs::path& f) { file(f / "DICOMDIR"); }, '~', "The parser buffer is NULL."},
+      {[&](const fs::path& f) { file(f / "dicomdir"); }, '~', "The parser buffer is NULL."},
+  };
+  for (const auto& c : cases) {
+    const TempFolder folder;
+    c.fill(folder.Path());
+    const std::string description = LoadFailure(folder.Path());
+    if (c.form == 'r') {
+      EXPECT_TRUE(IsRaised(description, "Can't open file " + folder.Path("DICOMDIR")))
+          << description;
+    } else if (c.form == '=') {
+      EXPECT_EQ(description, c.description);
+    } else {
+      EXPECT_NE(description.find(c.description), std::string::npos) << description;
+    }
   }
-  EXPECT_EQ(patients.get(), nullptr) << "a failed load handed out a tree";
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Folders, DicomDirImplFolders,
-    testing::Values(FolderCase{"Empty", [](const fs::path&) {}, E_FAIL, "DICOMDIR", ""},
-                    FolderCase{"OtherFilesOnly",
-                               [](const fs::path& f) {
-                                 MakeFile(f / "DICOMDIR.BAK");
-                                 MakeFile(f / "IM0");
-                               },
-                               E_FAIL, "DICOMDIR", ""},
-                    FolderCase{"OnlyInASubFolder",
-                               [](const fs::path& f) {
-                                 fs::create_directory(f / "DICOM");
-                                 MakeFile(f / "DICOM" / "DICOMDIR");
-                               },
-                               E_FAIL, "DICOMDIR", ""},
-                    FolderCase{"SubFolderNamedDicomDir",
-                               [](const fs::path& f) { fs::create_directory(f / "DICOMDIR"); },
-                               E_FAIL, std::nullopt,
-                               "No DICOMDIR file found in the specified directory."},
-                    // A found file that isn't DICOM reaches the parser, which refuses it.
-                    FolderCase{"Found", [](const fs::path& f) { MakeFile(f / "DICOMDIR"); },
-                               E_FAIL, std::nullopt, "", "The parser buffer is NULL."},
-                    FolderCase{"FoundInLowerCase",
-                               [](const fs::path& f) { MakeFile(f / "dicomdir"); }, E_FAIL,
-                               std::nullopt, "", "The parser buffer is NULL."}),
-    [](const testing::TestParamInfo<FolderCase>& param) { return std::string(param.param.name); });
-
-struct CreateCase {
-  const char* name;
-  bool directory;
-  bool title;
-  bool patients;
-  bool output;
-  const char* message;
-};
-
-void PrintTo(const CreateCase& c, std::ostream* os) { *os << c.name; }
-
-class DicomDirImplCreate : public DicomDirImplTest,
-                           public testing::WithParamInterface<CreateCase> {};
-
-TEST_P(DicomDirImplCreate, ChecksItsArgumentsInOrder) {
-  const CreateCase& c = GetParam();
+TEST_F(DicomDirImplTest, CreateChecksItsArgumentsInOrder) {
   BString directory = Text(u"/tmp/out");
   BString title = Text(u"Title");
   SafeArrayPtr patients = ArrayOf({});
-  BString output;
-  const HRESULT status = service_->CreateDicomDir(
-      c.directory ? directory.get() : nullptr, c.title ? title.get() : nullptr,
-      c.patients ? patients.get() : nullptr, c.output ? output.Receive() : nullptr, VARIANT_TRUE,
-      nullptr);
-  EXPECT_EQ(Failure(status, E_POINTER), c.message);
-  EXPECT_TRUE(output.IsNull());
+  const char* const messages[] = {"Unspecified directory name in the Halvorine.",
+                                  "Unspecified CD package title in the Halvorine.",
+                                  "NULL array in the Halvorine.",
+                                  "NULL output directory in the Halvorine."};
+  for (int given = 0; given < 4; ++given) {
+    const HRESULT status = service_->CreateDicomDir(
+        given > 0 ? directory.get() : nullptr, given > 1 ? title.get() : nullptr,
+        given > 2 ? patients.get() : nullptr, nullptr, VARIANT_TRUE, nullptr);
+    EXPECT_EQ(Failure(status, E_POINTER), messages[given]);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Arguments, DicomDirImplCreate,
-    testing::Values(
-        CreateCase{"AllNull", false, false, false, false,
-                   "Unspecified directory name in the Halvorine."},
-        CreateCase{"TitleBeforeArray", true, false, false, false,
-                   "Unspecified CD package title in the Halvorine."},
-        CreateCase{"ArrayBeforeOutput", true, true, false, false, "NULL array in the Halvorine."},
-        CreateCase{"Output", true, true, true, false, "NULL output directory in the Halvorine."}),
-    [](const testing::TestParamInfo<CreateCase>& param) { return std::string(param.param.name); });
 
 // The disc itself is the writer's affair (tests/writing); here, what reaches the host.
 TEST_F(DicomDirImplTest, CreateMakesTheDiscOrSaysWhyWithTheOutputSet) {
-  TempFolder folder;
-  ASSERT_FALSE(folder.path().empty());
+  const TempFolder folder;
   SafeArrayPtr patients = ArrayOf({});
-  const std::string missing = folder.path() + "/missing";
-  for (const std::string& directory : {folder.path(), missing}) {
+  for (const std::string& directory : {folder.Path(), folder.Path("missing")}) {
     BString output;
     const HRESULT status =
         service_->CreateDicomDir(Text(ToWide(directory)).get(), Text(u"T").get(), patients.get(),
                                  output.Receive(), VARIANT_FALSE, nullptr);
     EXPECT_EQ(ToNarrow(output.get()), directory + "/T");
-    if (directory == missing) {
-      ExpectRaised(Failure(status, E_FAIL),
-                   "Failed to create directory because the path was not found. \r\nThe "
-                   "directory name: " +
-                       missing + "/T");
-    } else {
+    if (directory == folder.Path()) {
       EXPECT_EQ(status, S_OK) << ToNarrow(TakeFailureDescription());
       EXPECT_TRUE(fs::is_regular_file(directory + "/T/DICOMDIR"));
+      continue;
     }
+    const std::string description = Failure(status, E_FAIL);
+    EXPECT_TRUE(IsRaised(description,
+                         "Failed to create directory because the path was not found. \r\nThe "
+                         "directory name: " +
+                             directory + "/T"))
+        << description;
   }
 }
 

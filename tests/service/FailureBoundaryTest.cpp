@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <new>
-#include <ostream>
 #include <string>
 
 #include "ServiceTestSupport.h"
@@ -52,51 +51,34 @@ TEST_F(FailureBoundaryTest, TheSourceIsTheRegisteredProgrammaticName) {
   EXPECT_EQ(TakeSource(), u"(null)");
 }
 
-TEST_F(FailureBoundaryTest, SuccessLeavesNoRecord) {
+// A throw becomes E_FAIL with its description; success leaves no record.
+TEST_F(FailureBoundaryTest, ThrowsBecomeEFailWithTheirDescription) {
   EXPECT_EQ(RunGuarded([] { return S_OK; }), S_OK);
   EXPECT_EQ(TakeFailureDescription(), u"(none)");
+  const std::pair<void (*)(), std::u16string_view> cases[] = {
+      {[] { Raise("DicomDirImpl", 42, "Can't open folder %s", "/x"); },
+       u"<exception Message=\"Can't open folder /x File=DicomDirImpl, Line=42\"></exception>"},
+      {[] { RaiseStatus(E_POINTER, "DicomDirImpl", 7); },
+       u"<exception Message=\"COM method failed. HRESULT=80004003, File=DicomDirImpl, "
+       u"Line=7\"></exception>"},
+      {[] {
+         throw MyException("Failed to read setting. File=DicomDirImpl, Line=3",
+                           MyException("inner \"quoted\" <text>"));
+       },
+       u"<exception Message=\"Failed to read setting. File=DicomDirImpl, Line=3\">"
+       u"<exception Message=\"inner \"quoted\" <text>\"></exception></exception>"},
+      {[] { throw std::bad_alloc(); }, u"The Halvorine caught an unknown error."},
+      {[] { throw 42; }, u"The Halvorine caught an unknown error."},
+  };
+  for (const auto& [raise, description] : cases) {
+    EXPECT_EQ(RunGuarded([raise]() -> HRESULT {
+                raise();
+                return S_OK;
+              }),
+              E_FAIL);
+    EXPECT_EQ(TakeFailureDescription(), description);
+  }
 }
-
-struct Thrown {
-  const char* name;
-  void (*raise)();
-  std::u16string_view description;
-};
-
-void PrintTo(const Thrown& c, std::ostream* os) { *os << c.name; }
-
-class FailureBoundaryThrows : public FailureBoundaryTest,
-                              public testing::WithParamInterface<Thrown> {};
-
-TEST_P(FailureBoundaryThrows, BecomesEFailWithItsDescription) {
-  const HRESULT status = RunGuarded([]() -> HRESULT {
-    GetParam().raise();
-    return S_OK;
-  });
-  EXPECT_EQ(status, E_FAIL);
-  EXPECT_EQ(TakeFailureDescription(), GetParam().description);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Failures, FailureBoundaryThrows,
-    testing::Values(
-        Thrown{"Raise", [] { Raise("DicomDirImpl", 42, "Can't open folder %s", "/x"); },
-               u"<exception Message=\"Can't open folder /x File=DicomDirImpl, Line=42\">"
-               u"</exception>"},
-        Thrown{"RaiseStatus", [] { RaiseStatus(E_POINTER, "DicomDirImpl", 7); },
-               u"<exception Message=\"COM method failed. HRESULT=80004003, File=DicomDirImpl, "
-               u"Line=7\"></exception>"},
-        Thrown{"Nested",
-               [] {
-                 throw MyException("Failed to read setting. File=DicomDirImpl, Line=3",
-                                   MyException("inner \"quoted\" <text>"));
-               },
-               u"<exception Message=\"Failed to read setting. File=DicomDirImpl, Line=3\">"
-               u"<exception Message=\"inner \"quoted\" <text>\"></exception></exception>"},
-        Thrown{"OutOfMemory", [] { throw std::bad_alloc(); },
-               u"The Halvorine caught an unknown error."},
-        Thrown{"AnythingElse", [] { throw 42; }, u"The Halvorine caught an unknown error."}),
-    [](const testing::TestParamInfo<Thrown>& param) { return std::string(param.param.name); });
 
 }  // namespace
 }  // namespace halvorine

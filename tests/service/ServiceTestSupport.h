@@ -21,11 +21,11 @@ namespace halvorine {
 // The class and interface identifiers of each class's own interface.
 template <class Interface>
 struct ClassOf;
-#define HALVORINE_CLASS_OF(Name)                            \
-  template <>                                               \
-  struct ClassOf<I##Name> {                                 \
-    static constexpr const CLSID& clsid = CLSID_##Name;     \
-    static constexpr const IID& iid = IID_I##Name;          \
+#define HALVORINE_CLASS_OF(Name)                        \
+  template <>                                           \
+  struct ClassOf<I##Name> {                             \
+    static constexpr const CLSID& clsid = CLSID_##Name; \
+    static constexpr const IID& iid = IID_I##Name;      \
   };
 HALVORINE_CLASS_OF(DicomDirImpl)
 HALVORINE_CLASS_OF(DicomDirPatient)
@@ -33,6 +33,23 @@ HALVORINE_CLASS_OF(DicomDirStudy)
 HALVORINE_CLASS_OF(DicomDirSeries)
 HALVORINE_CLASS_OF(DicomDirImage)
 #undef HALVORINE_CLASS_OF
+
+// The five classes, for tests that run over each.
+struct ClassCase {
+  const char* name;
+  const CLSID& clsid;
+  const IID& iid;
+};
+inline const ClassCase kClasses[] = {
+    {"DicomDirImpl", CLSID_DicomDirImpl, IID_IDicomDirImpl},
+    {"DicomDirPatient", CLSID_DicomDirPatient, IID_IDicomDirPatient},
+    {"DicomDirStudy", CLSID_DicomDirStudy, IID_IDicomDirStudy},
+    {"DicomDirSeries", CLSID_DicomDirSeries, IID_IDicomDirSeries},
+    {"DicomDirImage", CLSID_DicomDirImage, IID_IDicomDirImage},
+};
+inline std::string ClassName(const testing::TestParamInfo<ClassCase>& info) {
+  return info.param.name;
+}
 
 // Asks the class object of clsid for a new instance's riid, as a host does; *out stays null,
 // with a test failure, if any step fails.

@@ -7,17 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "engine/EngineTestSupport.h"
 #include "engine/elements/DoubleVR.h"
 #include "engine/elements/IntegerVR.h"
 #include "engine/elements/SignedShortVR.h"
 #include "engine/elements/UnsignedIntegerVR.h"
 #include "engine/elements/UnsignedShortVR.h"
 #include "engine/elements/VRAttributeTag.h"
-#include "engine/elements/VRBinarySequenceItem.h"
-#include "engine/elements/VRSequence.h"
-#include "engine/elements/VRSequenceItem.h"
-#include "engine/elements/VRString.h"
-#include "engine/elements/VRUniqueIdentifier.h"
 #include "engine/encoding/HexText.h"
 
 namespace DicomEngine {
@@ -31,27 +27,8 @@ Factory Make(Arguments... arguments) {
 }
 
 // (0002,0001) with the bytes.
-Factory Binary(VRCode code, std::vector<std::uint8_t> bytes) {
-  return [=] {
-    auto block = std::make_unique<std::uint8_t[]>(bytes.size());
-    std::copy(bytes.begin(), bytes.end(), block.get());
-    const auto length = static_cast<std::uint32_t>(bytes.size());
-    return std::unique_ptr<VR>(
-        std::make_unique<VRBinary>(code, 0x0002, 0x0001, length, std::move(block)));
-  };
-}
-
-// An undefined length stays in the field and in the object.
-std::unique_ptr<VR> SequenceOfUndefinedLength() {
-  auto sequence = std::make_unique<VRSequence>("SQ", 0x0004, 0x1220, kUndefinedLength);
-  sequence->Append(std::make_unique<VRSequenceItem>("", kItemGroup, kSequenceDelimiter, 0), false);
-  return sequence;
-}
-
-std::unique_ptr<VR> ItemOfTwelveBytes() {
-  auto item = std::make_unique<VRSequenceItem>("", kItemGroup, kItem, 0);
-  item->Append(std::make_unique<UnsignedIntegerVR>("UL", 0x0004, 0x1400, 4, 0u), true);
-  return item;
+Factory BinaryOf(VRCode code, Bytes bytes) {
+  return [=] { return Binary(code, 0x0002, 0x0001, bytes); };
 }
 
 using Numbers = std::vector<double>;
@@ -73,10 +50,15 @@ const Encoding kEncodings[] = {
      "04 00 30 14 43 53 08 00 50 41 54 49 45 4E 54 20", 8},
     {"UI", Make<VRUniqueIdentifier>("UI", 0x0002, 0x0010, 19, kUid),
      "02 00 10 00 55 49 14 00 " + HexOf(kUid) + " 00", 20},
-    {"OB", Binary("OB", {0x02, 0x00}), "02 00 01 00 4F 42 00 00 02 00 00 00 02 00", 2},
+    {"OB", BinaryOf("OB", {0x02, 0x00}), "02 00 01 00 4F 42 00 00 02 00 00 00 02 00", 2},
     {"SQ", Make<VRSequence>("SQ", 0x0004, 0x1220, 0), "04 00 20 12 53 51 00 00 00 00 00 00", 0},
-    {"item", ItemOfTwelveBytes, "FE FF 00 E0 0C 00 00 00 04 00 00 14 55 4C 04 00 00 00 00 00", 12},
-    {"undefined length", SequenceOfUndefinedLength,
+    {"item",
+     [] { return ItemOf(0, std::make_unique<UnsignedIntegerVR>("UL", 0x0004, 0x1400, 4, 0u)); },
+     "FE FF 00 E0 0C 00 00 00 04 00 00 14 55 4C 04 00 00 00 00 00", 12},
+    {"undefined length stays",
+     [] {
+       return SequenceOf("SQ", 0x0004, 0x1220, kUndefinedLength, Delimiter(kSequenceDelimiter));
+     },
      "04 00 20 12 53 51 00 00 FF FF FF FF FE FF DD E0 00 00 00 00", kUndefinedLength},
     {"declared 100, 6 bytes",
      Make<UnsignedShortVR>("US", 0x0028, 0x0010, 100, std::vector<std::uint16_t>{1, 2, 3}),
@@ -110,8 +92,8 @@ const Encoding kEncodings[] = {
      "08 00 16 00 55 49 04 00 41 42 43 00", 4},
     {"AT", Make<VRAttributeTag>("AT", 0x0028, 0x0009, 0, Tags{{0x0018, 0x1063}, {0x7FE0, 0x0010}}),
      "28 00 09 00 41 54 08 00 18 00 63 10 E0 7F 10 00", 8},
-    {"odd OB", Binary("OB", {1, 2, 3}), "02 00 01 00 4F 42 00 00 03 00 00 00 01 02 03", 3},
-    {"OT", Binary("OT", {1, 2}), "02 00 01 00 4F 54 02 00 01 02", 2},
+    {"odd OB", BinaryOf("OB", {1, 2, 3}), "02 00 01 00 4F 42 00 00 03 00 00 00 01 02 03", 3},
+    {"OT", BinaryOf("OT", {1, 2}), "02 00 01 00 4F 54 02 00 01 02", 2},
 };
 
 TEST(VRTest, WritesWholeElementsToTheByte) {
@@ -121,6 +103,18 @@ TEST(VRTest, WritesWholeElementsToTheByte) {
     element->Write(writer);
     EXPECT_EQ(StreamOf(writer), test.bytes) << test.what;
     EXPECT_EQ(element->length, test.length) << test.what;
+  }
+}
+
+TEST(VRTest, SetValueTakesTheTextsSizeMadeEven) {
+  VRUniqueIdentifier uid("UI", 0x0002, 0x0010, 18, "1.2.840.10008.1.2");
+  VRString text("LO", 0x0010, 0x0020, 0, "");
+  for (VRString* element : {static_cast<VRString*>(&uid), &text}) {
+    element->SetValue("ABC");
+    EXPECT_EQ(element->GetValue(), "ABC");
+    EXPECT_EQ(element->length, 4u);
+    element->SetValue("");
+    EXPECT_EQ(element->length, 0u);
   }
 }
 
@@ -160,7 +154,8 @@ TEST(VRTest, ToStringHasTheFormOfEachClass) {
        "(0002, 0010) VR=UI Length=20<=>0x14 Value=[1.2.840.10008.1.2.1]"},
       {Make<VRAttributeTag>("AT", 0x0028, 0x0009, 8, Tags{{0x0018, 0x1063}, {0x7FE0, 0x0010}}),
        "(0028, 0009) VR=AT Length=8<=>0x8Value=[(18, 1063)]\r\nValue=[(7fe0, 10)]\r\n"},
-      {Binary("OW", {1, 2, 3}), "(0002, 0001) VR=OW Length=3<=>0x3 Value=BINARY Length=[3<=>0x3]"},
+      {BinaryOf("OW", {1, 2, 3}),
+       "(0002, 0001) VR=OW Length=3<=>0x3 Value=BINARY Length=[3<=>0x3]"},
       {Make<VRBinarySequenceItem>(0xFFFE, 0xE000, 26, nullptr),
        "(FFFE, E000) VR= Length=26<=>0x1A Value=BINARY Length=[26<=>0x1a]"},
       {Make<VRSequenceItem>("", 0xFFFE, 0xE0DD, kUndefinedLength),

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <functional>
@@ -11,90 +10,65 @@
 #include <vector>
 
 #include "RaisedMessage.h"
+#include "engine/EngineTestSupport.h"
 
 namespace DicomEngine {
 namespace {
 
 using halvorine::IsPlaced;
-using halvorine::MultiChunkBuffer;
 using halvorine::RaisedMessage;
-using Bytes = std::vector<std::uint8_t>;
 
-const char kTooShort[] = "The buffer is not long enough to perform the requested read operation.";
-
-// A reader over bytes, cut into owned chunks at the given offsets (a repeated offset makes an
-// empty chunk).
-BufferReader ReaderOver(const Bytes& bytes, const std::vector<std::size_t>& cuts = {}) {
-  MultiChunkBuffer buffer;
-  std::size_t from = 0;
-  auto add = [&](std::size_t to) {
-    auto chunk = std::make_unique<std::uint8_t[]>(to - from);
-    std::copy(bytes.begin() + from, bytes.begin() + to, chunk.get());
-    buffer.AddChunk(std::move(chunk), static_cast<std::uint32_t>(to - from));
-    from = to;
-  };
-  for (std::size_t cut : cuts) add(cut);
-  add(bytes.size());
-  return BufferReader(std::move(buffer));
+BufferReader ReaderOver(const std::string& bytes, const std::vector<std::size_t>& cuts = {}) {
+  return BufferReader(Chunked(bytes, cuts));
 }
 
 bool HasExactly(const BufferReader& reader, std::uint32_t count) {
   return reader.HasBytes(count) && !reader.HasBytes(count + 1);
 }
 
-bool IsTooShort(const std::string& message) { return IsPlaced(message, kTooShort, "BufferReader"); }
+bool IsTooShort(const std::string& message) {
+  return IsPlaced(message, "The buffer is not long enough to perform the requested read operation.",
+                  "BufferReader");
+}
 
-// 0x1234, 0x12345678, -2, 1.0f, 1.5
-const Bytes kNumbers = {0x34, 0x12, 0x78, 0x56, 0x34, 0x12, 0xFE, 0xFF, 0xFF, 0xFF, 0x00,
-                        0x00, 0x80, 0x3F, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xF8, 0x3F};
-
-void ExpectNumbers(BufferReader& reader) {
+// Every byte a chunk of its own, with empty chunks between: every value straddles borders.
+TEST(BufferReaderTest, ValuesAreLittleEndianAcrossChunkBorders) {
+  // 0x1234, 0x12345678, -2, 1.0f, 1.5, a float of 6 bytes, a double of 2, "ab\0cd", " e  ", bytes
+  const std::string bytes(
+      "\x34\x12\x78\x56\x34\x12\xFE\xFF\xFF\xFF\x00\x00\x80\x3F\x00\x00\x00\x00\x00\x00\xF8\x3F"
+      "\x00\x00\x80\x3F\xAA\xBB\x01\x02"
+      "ab\0cd e  \x01\x02\x03",
+      42);
+  std::vector<std::size_t> cuts;
+  for (std::size_t index = 0; index < bytes.size(); ++index) cuts.insert(cuts.end(), 2, index);
+  BufferReader reader = ReaderOver(bytes, cuts);
   EXPECT_EQ(reader.ReadUnsignedShort(), 0x1234u);
   EXPECT_EQ(reader.ReadUnsignedLong(), 0x12345678u);
   EXPECT_EQ(reader.ReadSignedLong(), -2);
   EXPECT_EQ(reader.ReadFloat(4), 1.0f);
   EXPECT_EQ(reader.ReadDouble(8), 1.5);
-  EXPECT_FALSE(reader.HasBytes(1));
-}
-
-// Every byte a chunk of its own, with empty chunks between: every value straddles borders.
-TEST(BufferReaderTest, NumbersAreLittleEndianAcrossChunkBorders) {
-  std::vector<std::size_t> cuts;
-  for (std::size_t index = 0; index < kNumbers.size(); ++index) cuts.insert(cuts.end(), 2, index);
-  BufferReader reader = ReaderOver(kNumbers, cuts);
-  ExpectNumbers(reader);
-}
-
-TEST(BufferReaderTest, FloatsTakeTheFirstBytesUpToTheirWidth) {
-  BufferReader reader = ReaderOver({0x00, 0x00, 0x80, 0x3F, 0xAA, 0xBB, 0x01, 0x02});
   EXPECT_EQ(reader.ReadFloat(0), 0.0f);
   EXPECT_EQ(reader.ReadFloat(6), 1.0f);  // consumes the two bytes behind the value
   EXPECT_EQ(reader.ReadDouble(2), std::bit_cast<double>(std::uint64_t{0x0201}));
-  EXPECT_FALSE(reader.HasBytes(1));
-}
-
-TEST(BufferReaderTest, AtTheEndOnlyEmptyReadsSucceed) {
-  BufferReader reader = ReaderOver({1, 2});
-  reader.Skip(2);
-  EXPECT_FALSE(reader.HasBytes(1));
-  EXPECT_TRUE(reader.HasBytes(0));
+  EXPECT_EQ(reader.ReadString(4), "ab");  // up to the first NUL; blanks are kept
+  EXPECT_EQ(reader.ReadString(5), "d e  ");
+  std::unique_ptr<std::uint8_t[]> block;
+  reader.ReadBinary(&block, 3);
+  ASSERT_NE(block, nullptr);
+  EXPECT_EQ(Bytes(block.get(), block.get() + 3), (Bytes{1, 2, 3}));
+  // At the end only empty reads succeed.
+  EXPECT_TRUE(HasExactly(reader, 0));
   reader.Skip(0);
   EXPECT_EQ(reader.ReadString(0), "");
-  auto block = std::make_unique<std::uint8_t[]>(1);
   const std::uint8_t* kept = block.get();
   reader.ReadBinary(&block, 0);
   EXPECT_EQ(block.get(), kept);
   EXPECT_TRUE(IsTooShort(RaisedMessage([&] { reader.ReadUnsignedShort(); })));
 }
 
-struct TooLong {
-  const char* name;
-  std::function<void(BufferReader&)> read;
-};
-
 TEST(BufferReaderTest, ReadsPastTheEndFailAndLeaveThePosition) {
   std::unique_ptr<std::uint8_t[]> block;
-  const std::vector<TooLong> cases = {
+  const std::vector<std::pair<const char*, std::function<void(BufferReader&)>>> cases = {
       {"Skip", [](BufferReader& r) { r.Skip(4); }},
       {"Skip undefined", [](BufferReader& r) { r.Skip(0xFFFFFFFF); }},
       {"ReadUnsignedLong", [](BufferReader& r) { r.ReadUnsignedLong(); }},
@@ -109,35 +83,17 @@ TEST(BufferReaderTest, ReadsPastTheEndFailAndLeaveThePosition) {
       {"CreateSubReader", [](BufferReader& r) { r.CreateSubReader(4); }},
       {"CreateSubReader near 2^32", [](BufferReader& r) { r.CreateSubReader(0xFFFFFFFE); }},
   };
-  for (const TooLong& tooLong : cases) {
-    SCOPED_TRACE(tooLong.name);
-    BufferReader reader = ReaderOver({9, 9, 0x01, 0x02, 0x03}, {3});
+  for (const auto& [name, read] : cases) {
+    SCOPED_TRACE(name);
+    BufferReader reader = ReaderOver("\x09\x09\x01\x02\x03", {3});
     reader.Skip(2);
-    EXPECT_TRUE(IsTooShort(RaisedMessage([&] { tooLong.read(reader); })));
+    EXPECT_TRUE(IsTooShort(RaisedMessage([&] { read(reader); })));
     EXPECT_TRUE(HasExactly(reader, 3));
     EXPECT_EQ(reader.ReadUnsignedShort(), 0x0201u);
     EXPECT_EQ(block, nullptr);
   }
-}
-
-TEST(BufferReaderTest, StringsStopAtTheFirstNulAndKeepTheirBlanks) {
-  BufferReader reader = ReaderOver({'a', 'b', 0, 'c', 'd', ' ', 'e', ' ', ' '}, {1, 5});
-  EXPECT_EQ(reader.ReadString(4), "ab");
-  EXPECT_TRUE(HasExactly(reader, 5));
-  EXPECT_EQ(reader.ReadString(5), "d e  ");
-}
-
-TEST(BufferReaderTest, BinaryBlocksAreCopiedAcrossChunks) {
-  BufferReader reader = ReaderOver({1, 2, 3, 4, 5, 6}, {1, 1, 4});
-  reader.Skip(1);
-  std::unique_ptr<std::uint8_t[]> block;
-  reader.ReadBinary(&block, 5);
-  ASSERT_NE(block, nullptr);
-  EXPECT_EQ(Bytes(block.get(), block.get() + 5), (Bytes{2, 3, 4, 5, 6}));
-}
-
-TEST(BufferReaderTest, BinaryNeedsADestinationBeforeAnythingElse) {
-  BufferReader reader = ReaderOver({1, 2});
+  // Binary needs a destination before anything else.
+  BufferReader reader = ReaderOver("\x01\x02");
   for (std::uint32_t count : {0u, 1u, 0xFFFFFFFFu}) {
     EXPECT_TRUE(IsPlaced(RaisedMessage([&] { reader.ReadBinary(nullptr, count); }),
                          "The binary buffer to read into is empty.", "BufferReader"));
@@ -146,8 +102,8 @@ TEST(BufferReaderTest, BinaryNeedsADestinationBeforeAnythingElse) {
 }
 
 TEST(BufferReaderTest, NestedReadersAreBoundedAndMoveAllTheirAncestors) {
-  Bytes bytes(20);
-  for (std::size_t index = 0; index < bytes.size(); ++index) bytes[index] = std::uint8_t(index);
+  std::string bytes(20, '\0');
+  for (std::size_t index = 0; index < bytes.size(); ++index) bytes[index] = char(index);
   BufferReader root = ReaderOver(bytes, {7, 13});
   root.Skip(2);
   {
@@ -181,7 +137,7 @@ TEST(BufferReaderTest, OffsetsNearTwoToThe32DontWrap) {
   // The first chunk claims more bytes than it holds: it is skipped, never read.
   static const std::uint8_t kUnread[1] = {};
   const std::uint8_t tail[15] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
-  MultiChunkBuffer buffer;
+  halvorine::MultiChunkBuffer buffer;
   buffer.AddChunk(kUnread, 0xFFFFFFF0);
   buffer.AddChunk(tail, 15);
   BufferReader reader(std::move(buffer));

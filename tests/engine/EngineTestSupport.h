@@ -1,0 +1,140 @@
+// Helpers of the engine's tests: elements built in one call, and dcmdump's listing as rows.
+#ifndef HALVORINE_TESTS_ENGINE_ENGINETESTSUPPORT_H
+#define HALVORINE_TESTS_ENGINE_ENGINETESTSUPPORT_H
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/elements/VRBinary.h"
+#include "engine/elements/VRBinarySequenceItem.h"
+#include "engine/elements/VRSequence.h"
+#include "engine/elements/VRSequenceItem.h"
+#include "engine/elements/VRString.h"
+#include "engine/elements/VRUniqueIdentifier.h"
+#include "engine/parsing/MultiChunkBuffer.h"
+
+namespace DicomEngine {
+
+using Bytes = std::vector<std::uint8_t>;
+using Rows = std::vector<std::string>;
+
+inline std::unique_ptr<std::uint8_t[]> Block(const Bytes& bytes) {
+  auto block = std::make_unique<std::uint8_t[]>(bytes.size());
+  std::copy(bytes.begin(), bytes.end(), block.get());
+  return block;
+}
+
+// The bytes in owned chunks, cut at the given offsets (a repeated offset makes an empty chunk).
+inline halvorine::MultiChunkBuffer Chunked(std::string_view bytes, std::vector<std::size_t> cuts) {
+  halvorine::MultiChunkBuffer buffer;
+  cuts.push_back(bytes.size());
+  for (std::size_t from = 0; const std::size_t to : cuts) {
+    buffer.AddChunk(Block(Bytes(bytes.begin() + from, bytes.begin() + to)),
+                    static_cast<std::uint32_t>(to - from));
+    from = to;
+  }
+  return buffer;
+}
+
+// A UI element for the code UI, else a plain text of the value's own length.
+inline std::unique_ptr<VR> Text(VRCode code, std::uint16_t group, std::uint16_t element,
+                                std::string value) {
+  const auto length = static_cast<std::uint32_t>(value.size());
+  if (code == "UI") {
+    return std::make_unique<VRUniqueIdentifier>(code, group, element, length, std::move(value));
+  }
+  return std::make_unique<VRString>(code, group, element, length, std::move(value));
+}
+
+inline std::unique_ptr<VR> Binary(VRCode code, std::uint16_t group, std::uint16_t element,
+                                  const Bytes& bytes) {
+  return std::make_unique<VRBinary>(code, group, element, static_cast<std::uint32_t>(bytes.size()),
+                                    Block(bytes));
+}
+
+inline std::unique_ptr<VR> Fragment(const Bytes& bytes) {
+  return std::make_unique<VRBinarySequenceItem>(kItemGroup, kItem,
+                                                static_cast<std::uint32_t>(bytes.size()),
+                                                bytes.empty() ? nullptr : Block(bytes));
+}
+
+inline std::unique_ptr<VR> Delimiter(std::uint16_t element) {
+  return std::make_unique<VRSequenceItem>("", kItemGroup, element, 0);
+}
+
+template <typename... Elements>
+std::unique_ptr<VR> ItemOf(std::uint32_t length, Elements... elements) {
+  auto item = std::make_unique<VRSequenceItem>("", kItemGroup, kItem, length);
+  (item->Append(std::move(elements), true), ...);
+  return item;
+}
+
+template <typename... Items>
+std::unique_ptr<VR> SequenceOf(VRCode code, std::uint16_t group, std::uint16_t element,
+                               std::uint32_t length, Items... items) {
+  auto sequence = std::make_unique<VRSequence>(code, group, element, length);
+  (sequence->Append(std::move(items), false), ...);
+  return sequence;
+}
+
+// "<indent>(GGGG,EEEE) VR value #length", the parts that are empty left out.
+inline std::string Row(const std::string& indent, std::string tag, const std::string& code,
+                       const std::string& value, const std::string& length) {
+  for (char& letter : tag) letter = static_cast<char>(std::toupper(letter));
+  return indent + tag + (code.empty() ? "" : " " + code) + (value.empty() ? "" : " " + value) +
+         " #" + length;
+}
+
+// A dcmdump line as a Row: "na" and "pi" show no code, "up" shows as UL and "??" as UN;
+// sequences and items show no value. The file offset that dcmdump notes below a directory record
+// gives "<indent>offset=$N"; other comments and the delimiters that dcmdump adds "for
+// re-encoding" give nothing.
+inline std::string RowOf(const std::string& line) {
+  const std::size_t indent = line.find_first_not_of(' ');
+  if (line.compare(indent, 10, "#  offset=") == 0) {
+    return line.substr(0, indent) + line.substr(indent + 3);
+  }
+  if (line[indent] != '(' || line.find("for re-encod") != std::string::npos) return "";
+  std::string code = line.substr(indent + 12, 2);
+  const std::size_t hash = line.rfind('#');
+  std::string value = line.substr(indent + 15, hash - indent - 15);
+  value.erase(value.find_last_not_of(' ') + 1);
+  if (code == "SQ" || code == "na") value.clear();
+  if (code == "na" || code == "pi") code.clear();
+  if (code == "up") code = "UL";
+  if (code == "??") code = "UN";
+  std::string length = line.substr(hash + 1, line.find(',', hash) - hash - 1);
+  return Row(line.substr(0, indent), line.substr(indent, 11), code, value,
+             length.substr(length.find_first_not_of(' ')));
+}
+
+// What dcmdump reads from the file; its warnings, if any, show as rows of their own.
+inline Rows DcmdumpRows(const std::string& path) {
+  const std::string command = "dcmdump +L -Un '" + path + "' 2>&1";
+  std::FILE* pipe = popen(command.c_str(), "r");
+  std::string output;
+  for (int letter; pipe != nullptr && (letter = std::fgetc(pipe)) != EOF;) output += char(letter);
+  EXPECT_EQ(pipe == nullptr ? -1 : pclose(pipe), 0)
+      << command << " failed; dcmtk comes with tools/setup.sh.\n"
+      << output;
+  Rows rows;
+  std::istringstream lines(output);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.find_first_not_of(' ') == std::string::npos) continue;
+    const bool listed = line.find_first_of("#(") == line.find_first_not_of(' ');
+    if (const std::string row = listed ? RowOf(line) : line; !row.empty()) rows.push_back(row);
+  }
+  return rows;
+}
+
+}  // namespace DicomEngine
+
+#endif  // HALVORINE_TESTS_ENGINE_ENGINETESTSUPPORT_H
