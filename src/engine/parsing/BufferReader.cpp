@@ -17,7 +17,7 @@ constexpr char kUnit[] = "BufferReader";
 
 BufferReader::BufferReader(halvorine::MultiChunkBuffer chunks)
     : end_(chunks.GetLength()),
-      chunks_(std::make_shared<const halvorine::MultiChunkBuffer>(std::move(chunks))),
+      chunks_(std::make_shared<halvorine::MultiChunkBuffer>(std::move(chunks))),
       cursor_(&ownCursor_) {}
 
 BufferReader::BufferReader(BufferReader* parent, std::uint32_t end)
@@ -128,6 +128,7 @@ const std::uint8_t* BufferReader::Contiguous(std::uint32_t count) {
   const std::uint64_t from = cursor.position;
   if (from < cursor.window.start || from >= cursor.window.end) {
     cursor.window = chunks_->WindowAt(cursor.position, &cursor.chunkHint);
+    chunks_->ReleaseBefore(cursor.chunkHint);
   }
   if (from < cursor.window.start || from + count > cursor.window.end) return nullptr;
   return cursor.window.data + (from - cursor.window.start);

@@ -9,7 +9,8 @@
 //   item               [position --->          end)       a nested reader of the root
 //   item in item          [position --->  end)            a nested reader of the item
 //
-// So a reader and its nested readers share one cursor: only the ends are their own.
+// So a reader and its nested readers share one cursor: only the ends are their own. The cursor
+// never goes back, so the bytes of the chunks behind it are let go as it moves on.
 //
 // Every read is bounded by end: a count that passes it fails before anything is allocated or
 // moved, and a failed read leaves position where it was.
@@ -81,7 +82,7 @@ class BufferReader {
 
   std::uint32_t end_;
   // Shared, never copied: a copy of the row per item would make parsing cost items times chunks.
-  std::shared_ptr<const halvorine::MultiChunkBuffer> chunks_;
+  std::shared_ptr<halvorine::MultiChunkBuffer> chunks_;
   Cursor ownCursor_;  // used by a root reader only
   Cursor* cursor_;    // the root's
 };

@@ -54,6 +54,10 @@ MultiChunkBuffer::Window MultiChunkBuffer::WindowAt(std::uint32_t offset, std::s
   return Window{chunk.data.get(), chunk.end - chunk.length, chunk.end};
 }
 
+void MultiChunkBuffer::ReleaseBefore(std::size_t index) {
+  for (; released_ < std::min(index, chunks_.size()); ++released_) chunks_[released_].data.reset();
+}
+
 std::size_t MultiChunkBuffer::FindChunk(std::uint64_t offset, std::size_t hint) const {
   if (hint < chunks_.size()) {
     const MemoryChunk& chunk = chunks_[hint];

@@ -42,6 +42,10 @@ class MultiChunkBuffer {
   // The chunk that holds offset, found as CopyOut finds it; an empty window past the row's end.
   Window WindowAt(std::uint32_t offset, std::size_t* hint) const;
 
+  // Lets go of the bytes of the chunks before index, for a reader that never goes back: they are
+  // freed unless another copy holds them. Lengths and offsets stay as they were.
+  void ReleaseBefore(std::size_t index);
+
  private:
   struct MemoryChunk {
     std::shared_ptr<const std::uint8_t[]> data;
@@ -53,6 +57,7 @@ class MultiChunkBuffer {
   std::size_t FindChunk(std::uint64_t offset, std::size_t hint) const;
 
   std::vector<MemoryChunk> chunks_;
+  std::size_t released_ = 0;  // the chunks before it hold no bytes
 };
 
 // Reads stream from where it stands to its end into buffer, in chunks of kReadChunkSize bytes;
