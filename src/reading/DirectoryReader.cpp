@@ -20,6 +20,10 @@ bool IsItem(const VR& element) {
   return element.group == DicomEngine::kItemGroup && element.element == DicomEngine::kItem;
 }
 
+bool IsRecordSequence(const VR& element) {
+  return element.group == 0x0004 && element.element == 0x1220;
+}
+
 }  // namespace
 
 DirectoryReader::DirectoryReader(RecordOffsetIndex& recordOffsetIndex,
@@ -36,18 +40,33 @@ void DirectoryReader::ReadDirectory(const std::string& path, SAFEARRAY** ppPatie
   if (array.get() != nullptr) *ppPatients = array.Detach();
 }
 
+// The records are indexed as the parser completes them, each emptied at once, so that the elements
+// of a large directory never stand in memory together. While (0002,0010) hasn't been met the sizes
+// might still change, and the sequence is indexed after the parse instead; so is any other
+// sequence than the one that Find gives at the end.
 std::int32_t DirectoryReader::IndexRecords(const std::string& path) {
   DicomEngine::DicomDictionary::GetInstance().LoadDictionary("dicom_dictionary.txt");
   DicomEngine::DicomData dataSet(false);
   DicomEngine::FileParser parser;
+  ClearIndex(0);
+  const VR* indexed = nullptr;
+  std::uint32_t offset = 0;
+  parser.SetEntryHandler([&](const VR& sequence, VR& entry) {
+    if (!IsRecordSequence(sequence) || !parser.IsSyntaxSettled()) return;
+    if (indexed == nullptr) {
+      indexed = &sequence;
+      offset = LocateRecordSequence(dataSet, parser) + HeaderSize(sequence, parser);
+    }
+    if (indexed == &sequence) IndexEntry(entry, offset, parser);
+  });
   parser.Open(ToWide(path));
   parser.Parse(dataSet);
   parser.ReleaseReader();
   auto* sequence = dynamic_cast<DicomEngine::VRSequence*>(dataSet.Find(0x0004, 0x1220));
   if (sequence == nullptr) Raise(kUnit, __LINE__, "The DICOMDIR sequence tag is missing.");
-  const std::uint32_t first = LocateRecordSequence(dataSet, parser);
-  recordOffsetIndex_.clear();
-  BuildRecordOffsetIndex(*sequence, first, parser);
+  if (sequence != indexed) {
+    BuildRecordOffsetIndex(*sequence, LocateRecordSequence(dataSet, parser), parser);
+  }
   return ReadOffsetAttribute(dataSet, 0x0004, 0x1200, parser.GetDataOffset());
 }
 
@@ -58,9 +77,7 @@ std::uint32_t DirectoryReader::LocateRecordSequence(const DicomEngine::DicomData
                                                     const DicomEngine::FileParser& parser) {
   std::uint32_t offset = parser.GetDataOffset();
   for (const auto& element : dataSet.Elements()) {
-    if (element->group == 0x0004 && element->element == 0x1220) {
-      return offset + HeaderSize(*element, parser);
-    }
+    if (IsRecordSequence(*element)) return offset + HeaderSize(*element, parser);
     AdvanceOverElement(offset, *element, parser);
   }
   return offset;
@@ -69,18 +86,27 @@ std::uint32_t DirectoryReader::LocateRecordSequence(const DicomEngine::DicomData
 void DirectoryReader::BuildRecordOffsetIndex(DicomEngine::VRSequence& sequence,
                                              std::uint32_t offset,
                                              const DicomEngine::Parser& parser) {
-  recordCount_ = 0;
-  recordOffsetIndex_.reserve(sequence.Elements().size());
+  ClearIndex(sequence.Elements().size());
   for (const auto& entry : sequence.Elements()) {
-    if (!entry) continue;
-    // A delimiter, or a fragment of a sequence that isn't "SQ", is no record.
-    auto* record = IsItem(*entry) ? dynamic_cast<VRContainer*>(entry.get()) : nullptr;
-    recordOffsetIndex_.emplace_back(offset, record ? RecordValues(*record) : RecordValues());
-    if (IsItem(*entry)) ++recordCount_;
-    AdvanceOverElement(offset, *entry, parser);
-    // Read and measured: the elements go now, so that the tree shrinks as the index grows.
-    if (record != nullptr) record->Clear();
+    if (entry) IndexEntry(*entry, offset, parser);
   }
+}
+
+void DirectoryReader::ClearIndex(std::size_t room) {
+  recordOffsetIndex_.clear();
+  recordOffsetIndex_.reserve(room);
+  recordCount_ = 0;
+}
+
+void DirectoryReader::IndexEntry(VR& entry, std::uint32_t& offset,
+                                 const DicomEngine::Parser& parser) {
+  // A delimiter, or a fragment of a sequence that isn't "SQ", is no record.
+  auto* record = IsItem(entry) ? dynamic_cast<VRContainer*>(&entry) : nullptr;
+  recordOffsetIndex_.emplace_back(offset, record ? RecordValues(*record) : RecordValues());
+  if (IsItem(entry)) ++recordCount_;
+  AdvanceOverElement(offset, entry, parser);
+  // Read and measured: the load needs nothing more of it.
+  if (record != nullptr) record->Clear();
 }
 
 void DirectoryReader::AdvanceOverElement(std::uint32_t& offset, const VR& element,

@@ -66,6 +66,9 @@ class DirectoryReader {
  private:
   // Parses the file and fills the index; the parsed tree goes when it returns. The root link.
   std::int32_t IndexRecords(const std::string& path);
+  void ClearIndex(std::size_t room);
+  // Adds the entry at offset, moves offset behind it and empties it.
+  void IndexEntry(DicomEngine::VR& entry, std::uint32_t& offset, const DicomEngine::Parser& parser);
   static std::uint32_t HeaderSize(const DicomEngine::VR& element,
                                   const DicomEngine::Parser& parser);
   // The index entry of the record at offset; raises when no record begins there.

@@ -326,6 +326,7 @@ std::unique_ptr<VR> Parser::ParseSequence(std::uint16_t group, std::uint16_t ele
   std::uint32_t consumed = 0;
   for (bool finished = false; !finished;) {
     sequence->Append(ParseSequenceItem(binaryItems, length, consumed, finished), false);
+    if (depth_ == 0 && entryHandler_) entryHandler_(*sequence, *sequence->Elements().back());
   }
   return sequence;
 }

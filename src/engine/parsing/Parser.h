@@ -16,6 +16,7 @@
 #define HALVORINE_ENGINE_PARSING_PARSER_H
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -48,6 +49,15 @@ class Parser {
   // Frees the bytes once they are parsed; the syntaxes stay for the size questions below. Parse
   // fails from then on.
   void ReleaseReader() { reader_.reset(); }
+
+  // Called with each entry of a sequence at the data set's top level as soon as the entry is
+  // complete, items and delimiters alike, before the sequence itself is appended: a caller that
+  // needs one entry at a time may take what it needs and empty it.
+  using EntryHandler = std::function<void(const VR& sequence, VR& entry)>;
+  void SetEntryHandler(EntryHandler handler) { entryHandler_ = std::move(handler); }
+  // Whether the syntaxes are final, (0002,0010) having been met: until then the size questions
+  // may give other answers at the end of the parse.
+  bool IsSyntaxSettled() const { return syntaxKnown_; }
 
   // The encoded sizes of an element's header, on the syntaxes as parsing left them: 4 for the
   // tag, then GetVRFieldSize, then GetLengthFieldSize (reserved bytes included) up to the value.
@@ -84,6 +94,7 @@ class Parser {
   SyntaxRecord dataSetSyntax_;
   bool syntaxKnown_ = false;
   int depth_ = 0;  // the sequences around what this parser reads
+  EntryHandler entryHandler_;  // for the top level only
 };
 
 }  // namespace DicomEngine
