@@ -39,10 +39,6 @@ void BufferReader::Skip(std::uint32_t count) {
   Advance(count);
 }
 
-std::uint16_t BufferReader::ReadUnsignedShort() { return ReadLittleEndian<std::uint16_t>(2); }
-
-std::uint32_t BufferReader::ReadUnsignedLong() { return ReadLittleEndian<std::uint32_t>(4); }
-
 std::int32_t BufferReader::ReadSignedLong() {
   return static_cast<std::int32_t>(ReadLittleEndian<std::uint32_t>(4));
 }
@@ -110,6 +106,10 @@ Unsigned BufferReader::ReadLittleEndian(std::uint32_t count) {
   }
   return value;
 }
+
+// For ReadNumber, which calls them from the header.
+template std::uint16_t BufferReader::ReadLittleEndian<std::uint16_t>(std::uint32_t count);
+template std::uint32_t BufferReader::ReadLittleEndian<std::uint32_t>(std::uint32_t count);
 
 void BufferReader::CopyOut(std::uint8_t* destination, std::uint32_t count) {
   if (count == 0) return;

@@ -17,8 +17,10 @@
 #ifndef HALVORINE_ENGINE_PARSING_BUFFERREADER_H
 #define HALVORINE_ENGINE_PARSING_BUFFERREADER_H
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -42,8 +44,8 @@ class BufferReader {
   void EnsureAvailable(std::uint32_t count) const;
 
   void Skip(std::uint32_t count);
-  std::uint16_t ReadUnsignedShort();
-  std::uint32_t ReadUnsignedLong();
+  std::uint16_t ReadUnsignedShort() { return ReadNumber<std::uint16_t>(); }
+  std::uint32_t ReadUnsignedLong() { return ReadNumber<std::uint32_t>(); }
   std::int32_t ReadSignedLong();
   // Consume count bytes. The value starts as zero and takes the first of them, up to its width:
   // fewer bytes leave its high part zero, more are consumed and dropped.
@@ -71,6 +73,21 @@ class BufferReader {
 
   BufferReader(BufferReader* parent, std::uint32_t end);
 
+  // A number of its own width. Inline, since the parser reads several per element: inside the
+  // current chunk it is two bounds tests and a copy.
+  template <typename Unsigned>
+  Unsigned ReadNumber() {
+    const std::uint64_t from = cursor_->position;
+    const halvorine::MultiChunkBuffer::Window& window = cursor_->window;
+    if (std::endian::native != std::endian::little || from + sizeof(Unsigned) > end_ ||
+        from < window.start || from + sizeof(Unsigned) > window.end) {
+      return ReadLittleEndian<Unsigned>(sizeof(Unsigned));
+    }
+    Unsigned value;
+    std::memcpy(&value, window.data + (from - window.start), sizeof value);
+    cursor_->position += sizeof value;
+    return value;
+  }
   template <typename Unsigned>
   Unsigned ReadLittleEndian(std::uint32_t count);
   // Copies from position without moving it.
