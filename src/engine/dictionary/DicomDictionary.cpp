@@ -1,5 +1,7 @@
 #include "engine/dictionary/DicomDictionary.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <memory>
@@ -35,11 +37,10 @@ std::uint32_t KeyOf(std::uint16_t group, std::uint16_t element) {
 // and fails with a standard out-of-range error, not a MyException.
 std::string_view TrimBlanks(std::string_view text) {
   if (text.empty()) return {};
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) {
-    throw std::out_of_range("The dictionary line holds a text of blanks alone.");
-  }
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+  if (text.empty()) throw std::out_of_range("The dictionary line holds a text of blanks alone.");
+  while (text.back() == ' ') text.remove_suffix(1);
+  return text;
 }
 
 // Digit by digit in 16 bits; a character that is no hex digit still counts, as its code minus
@@ -68,14 +69,22 @@ Tag ParseTagSection(std::string_view section) {
 // The pair Key="Value" that begins at *position, blanks and tabs before it skipped; *position
 // moves behind its closing quote, or to the end of the line when that is missing. Nothing when
 // no '=' with an opening quote behind it is left.
+// find() of one character, as a plain loop: the distances in a line are a few characters, shorter
+// than a library call's set-up.
+std::size_t FindFrom(std::string_view line, char wanted, std::size_t from) {
+  while (from < line.size() && line[from] != wanted) ++from;
+  return from < line.size() ? from : std::string_view::npos;
+}
+
 std::optional<KeyValue> ParseKeyValue(std::string_view line, std::size_t* position) {
-  const std::size_t keyStart = line.find_first_not_of(" \t", *position);
-  if (keyStart == std::string_view::npos) return std::nullopt;
-  const std::size_t equals = line.find('=', keyStart);
+  std::size_t keyStart = *position;
+  while (keyStart < line.size() && (line[keyStart] == ' ' || line[keyStart] == '\t')) ++keyStart;
+  if (keyStart >= line.size()) return std::nullopt;
+  const std::size_t equals = FindFrom(line, '=', keyStart);
   if (equals == std::string_view::npos) return std::nullopt;
-  const std::size_t open = line.find('"', equals + 1);
+  const std::size_t open = FindFrom(line, '"', equals + 1);
   if (open == std::string_view::npos) return std::nullopt;
-  const std::size_t close = std::min(line.find('"', open + 1), line.size());
+  const std::size_t close = std::min(FindFrom(line, '"', open + 1), line.size());
   *position = std::min(close + 1, line.size());
   return KeyValue{TrimBlanks(line.substr(keyStart, equals - keyStart)),
                   TrimBlanks(line.substr(open + 1, close - open - 1))};
@@ -92,12 +101,19 @@ std::optional<std::string> ReadWholeFile(const std::string& path) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "r"),
                                                             &std::fclose);
   if (!file) return std::nullopt;
+  // Read in place, in steps of the file's size as it was opened, so that nothing is copied twice.
+  struct stat info {};
+  const std::size_t step = fstat(fileno(file.get()), &info) == 0 && info.st_size > 0
+                               ? static_cast<std::size_t>(info.st_size) + 1
+                               : 65536;
   std::string content;
-  char block[65536];
-  for (std::size_t count; (count = std::fread(block, 1, sizeof block, file.get())) > 0;) {
-    content.append(block, count);
+  for (;;) {
+    const std::size_t had = content.size();
+    content.resize(had + step);
+    const std::size_t count = std::fread(content.data() + had, 1, step, file.get());
+    content.resize(had + count);
+    if (count < step) return content;
   }
-  return content;
 }
 
 }  // namespace
@@ -195,8 +211,12 @@ void DicomDictionary::InsertStandard(std::uint32_t key, std::string_view vr) {
 }
 
 std::uint32_t DicomDictionary::InternVR(std::string_view vr) {
-  const auto found = std::ranges::find(vrTexts_, vr);
-  if (found != vrTexts_.end()) return static_cast<std::uint32_t>(found - vrTexts_.begin());
+  for (std::size_t index = 0; index < vrTexts_.size(); ++index) {
+    const std::string& text = vrTexts_[index];
+    if (text.size() == vr.size() && std::equal(vr.begin(), vr.end(), text.begin())) {
+      return static_cast<std::uint32_t>(index);
+    }
+  }
   vrTexts_.emplace_back(vr);
   return static_cast<std::uint32_t>(vrTexts_.size() - 1);
 }
