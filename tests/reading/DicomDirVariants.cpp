@@ -59,10 +59,9 @@ std::string Record(const VariantRecord& record, const std::vector<std::uint32_t>
                Element(0x0028, 0x0010, "US", LittleEndian(1, 2), implicit) + Delimiter(0xE00D) +
                Delimiter(0xE0DD);
   }
-  if (layout.undefinedItems) {
-    return Header(0xFFFE, 0xE000, "", kUndefined, true) + content + Delimiter(0xE00D);
-  }
-  return Header(0xFFFE, 0xE000, "", static_cast<std::uint32_t>(content.size()), true) + content;
+  const std::uint32_t length = layout.undefinedItems ? kUndefined : std::uint32_t(content.size());
+  return Header(0xFFFE, 0xE000, "", length, true) + content +
+         (layout.undefinedItems ? Delimiter(0xE00D) : "");
 }
 
 // The file and each record's offset. The sizes don't depend on the links' values, so the first

@@ -49,21 +49,19 @@ TEST(DirectoryLocationTest, FailuresNameTheFolderOrTheFile) {
   const std::string file = "Can't open file ";
   const std::pair<std::string, std::string> cases[] = {
       {temp.Path("missing"), folder + temp.Path("missing")},
-      {temp.Path("missing/"), folder + temp.Path("missing")},
       {"", folder},
       {"/", folder},
       // One trailing '/' goes; the probe then sees a name that ends in '/', which finds nothing.
       {temp.Path("empty//"), folder + temp.Path("empty/")},
-      {temp.Path("empty"), file + temp.Path("empty/DICOMDIR")},
       {temp.Path("nested"), file + temp.Path("nested/DICOMDIR")},
       {temp.Path("plain"), file + temp.Path("plain/DICOMDIR")},
   };
-  for (const auto& [directory, proper] : cases) {
+  for (const auto& row : cases) {
     const std::string message = RaisedMessage([&] {
       std::string path;
-      FindDicomDirFile(ToWide(directory).c_str(), &path);
+      FindDicomDirFile(ToWide(row.first).c_str(), &path);
     });
-    EXPECT_TRUE(IsPlaced(message, proper, "DicomDirImpl")) << message;
+    EXPECT_TRUE(IsPlaced(message, row.second, "DicomDirImpl")) << message;
   }
 }
 

@@ -22,10 +22,7 @@ TEST(DirectoryReaderDcmtkTest, VariantsMatchDcmdump) {
   records.push_back({"UNKNOWNX", {}, 1 + 2 * (1 + 2 * (1 + 2))});
   std::vector<int> shuffled;
   for (int i = 0; i < size + 2; ++i) shuffled.push_back(i % 2 == 0 ? i : size + 2 - i);
-  const struct {
-    const char* name;
-    VariantLayout layout;
-  } cases[] = {
+  const std::pair<const char*, VariantLayout> cases[] = {
       {"implicit", {true, true, false}},
       {"no preamble", {false, false, false}},
       {"implicit without preamble", {true, false, false}},
@@ -33,12 +30,12 @@ TEST(DirectoryReaderDcmtkTest, VariantsMatchDcmdump) {
       {"implicit, undefined, icons", {true, true, true}},
       {"out of chain order", {false, true, false, shuffled}},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+  for (const auto& [name, layout] : cases) {
+    SCOPED_TRACE(name);
     std::vector<VariantRecord> variant = records;
-    for (VariantRecord& record : variant) record.iconImage = c.layout.undefinedItems;
+    for (VariantRecord& record : variant) record.iconImage = layout.undefinedItems;
     const TempFolder disc;
-    WriteWholeFile(disc.Path("DICOMDIR"), MakeDicomDir(variant, c.layout));
+    WriteWholeFile(disc.Path("DICOMDIR"), MakeDicomDir(variant, layout));
     const std::string tree = LoadTree(disc.Path());
     EXPECT_NE(tree.find("\n-\n-\nPATIENT"), std::string::npos) << tree;
     EXPECT_EQ(tree, DcmdumpTree(disc.Path()));

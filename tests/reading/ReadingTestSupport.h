@@ -1,4 +1,5 @@
-// What the reader's tests share, beside the variant files of DicomDirVariants.h. Trees: the fields that a load fills, as text, one line per object
+// What the reader's tests share (the writer's load their discs back with it), beside the variant
+// files of DicomDirVariants.h. Trees: the fields that a load fills, as text, one line per object
 // indented by level, once from the loaded objects, once from what dcmdump shows of the same
 // file; texts lose their trailing blanks on both sides, since dcmdump shows none.
 #ifndef HALVORINE_TESTS_READING_READINGTESTSUPPORT_H
