@@ -1,10 +1,7 @@
 #include "DiscTestSupport.h"
 
-#include <sys/wait.h>
-
-#include <cstdio>
-
 #include "TempFolder.h"
+#include "reading/ReadingTestSupport.h"
 #include "support/TextConversion.h"
 
 namespace halvorine {
@@ -18,34 +15,6 @@ SafeArrayPtr ArrayFrom(const std::vector<ComPtr<T>>& objects, LONG lower = 0) {
     EXPECT_EQ(SafeArrayPutElement(array.get(), &index, objects[std::size_t(i)].get()), S_OK);
   }
   return array;
-}
-
-// Reads explicit VR little endian elements from bytes[begin, end) into values; the records of
-// (0004,1220) go into file.records.
-void ReadElements(DirectoryFile& file, std::size_t begin, std::size_t end, ElementValues& values) {
-  const std::string& bytes = file.bytes;
-  for (std::size_t at = begin; at < end;) {
-    const std::uint32_t tag = Tag(ULOf(bytes.substr(at, 2)), ULOf(bytes.substr(at + 2, 2)));
-    const std::string code = bytes.substr(at + 4, 2);
-    const bool longForm = code == "OB" || code == "OW" || code == "SQ" || code == "UN";
-    const std::size_t header = longForm ? 12 : 8;
-    const std::uint32_t length = ULOf(bytes.substr(at + (longForm ? 8 : 6), longForm ? 4 : 2));
-    values[tag] = bytes.substr(at + header, code == "SQ" ? 0 : length);
-    at += header;
-    if (tag != Tag(0x0004, 0x1220)) {
-      at += length;
-      continue;
-    }
-    file.sequenceLength = length;
-    file.firstRecordOffset = static_cast<std::uint32_t>(at);
-    for (const std::size_t sequenceEnd = at + length; at < sequenceEnd;) {
-      EXPECT_EQ(bytes.substr(at, 4), std::string("\xFE\xFF\x00\xE0", 4)) << "at " << at;
-      const std::uint32_t itemLength = ULOf(bytes.substr(at + 4, 4));
-      auto& record = file.records.emplace_back(DirectoryFile::Record{std::uint32_t(at), {}});
-      ReadElements(file, at + 8, at + 8 + itemLength, record.values);
-      at += 8 + itemLength;
-    }
-  }
 }
 
 }  // namespace
@@ -96,49 +65,18 @@ SafeArrayPtr MakeTree(const TreeShape& shape, const std::string& imageSource, LO
   return ArrayFrom(patients, lowerBound);
 }
 
-std::string CreateDiscThroughService(const std::string& folder, SAFEARRAY* tree) {
-  BString output;
-  EXPECT_EQ(HALVORINE_NEW(DicomDirImpl)
-                ->CreateDicomDir(Bstr(folder).get(), Bstr("Disc").get(), tree, output.Receive(),
-                                 VARIANT_FALSE, nullptr),
-            S_OK);
-  return folder + "/Disc/DICOMDIR";
-}
-
 std::string ToolOutputOfADisc(const std::string& tool) {
   const TempFolder folder;
   WriteWholeFile(folder.Path("image"), "image");
-  const std::string commandLine =
-      tool + " '" +
-      CreateDiscThroughService(folder.Path(),
-                               MakeTree({{{2, 0}, {}}, {{1}}}, folder.Path("image")).get()) +
-      "' 2>&1";
-  std::FILE* pipe = popen(commandLine.c_str(), "r");
-  std::string output;
-  for (int letter; pipe != nullptr && (letter = std::fgetc(pipe)) != EOF;) {
-    output += static_cast<char>(letter);
-  }
-  const int status = pipe == nullptr ? -1 : pclose(pipe);
-  EXPECT_TRUE(status != -1 && WEXITSTATUS(status) != 127)
-      << commandLine << " can't be run; tools/setup.sh installs it.\n"
-      << output;
-  return output;
-}
-
-std::uint32_t ULOf(const std::string& value) {
-  std::uint32_t number = 0;
-  for (std::size_t i = value.size(); i-- > 0;) {
-    number = number << 8 | static_cast<std::uint8_t>(value[i]);
-  }
-  return number;
-}
-
-DirectoryFile ReadDirectoryFile(const std::string& path) {
-  DirectoryFile file;
-  file.bytes = ReadWholeFile(path);
-  EXPECT_EQ(file.bytes.substr(0, 132), std::string(128, '\0') + "DICM");
-  ReadElements(file, 132, file.bytes.size(), file.header);
-  return file;
+  BString output;
+  EXPECT_EQ(HALVORINE_NEW(DicomDirImpl)
+                ->CreateDicomDir(Bstr(folder.Path()).get(), Bstr("Disc").get(),
+                                 MakeTree({{{2, 0}, {}}, {{1}}}, folder.Path("image")).get(),
+                                 output.Receive(), VARIANT_FALSE, nullptr),
+            S_OK);
+  // Findings may make the tool exit non-zero; only one that can't be run fails the test.
+  return testing::RunCommand(tool + " '" + folder.Path("Disc/DICOMDIR") +
+                             "' 2>&1 || test $? != 127");
 }
 
 std::string LittleEndian(std::uint32_t value, int size) {

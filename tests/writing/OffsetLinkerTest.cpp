@@ -11,14 +11,12 @@
 namespace halvorine {
 namespace {
 
-using DicomEngine::OffsetMap;
-
-// The links themselves are checked to the byte on whole discs (DiscBuilderTest) and by dcmdump.
+// The links themselves are checked on whole discs against dcmdump (DiscBuilderDcmtkTest).
 TEST(OffsetLinkerTest, FailuresNameWhatIsMissing) {
   DicomEngine::BufferWriter writer("1.2.840.10008.1.2.1");
   writer.WriteUnsignedLong(0);
-  const OffsetMap recordMap{{0x14000004, 0}};
-  OffsetMap map;
+  const DicomEngine::OffsetMap recordMap{{0x14000004, 0}};
+  DicomEngine::OffsetMap map;
   const std::pair<std::function<void()>, std::string> cases[] = {
       {[&] { WriteRecord(nullptr, writer, map); }, "The DICOMDIR sequence VR is NULL."},
       {[&] { LinkOffset(0x0004, 0x1420, 0, writer, recordMap, "Can't find this."); },
