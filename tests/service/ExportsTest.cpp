@@ -5,73 +5,88 @@
 #include <set>
 
 #include "ServiceTestSupport.h"
+#include "platform/com/CountingUnknown.h"
 #include "service/ModuleLock.h"
 
+// The exports and the class objects they hand out; the registration exports are RegistrarTest's,
+// and what an instance answers for is ComObjectTest's. The class objects differ only in the class
+// they make, so the rest of their behaviour is shown on one.
 namespace halvorine {
 namespace {
 
 using ExportsTest = ServiceTest;
 
-const CLSID* const kClasses[] = {&CLSID_DicomDirImpl, &CLSID_DicomDirPatient, &CLSID_DicomDirStudy,
-                                 &CLSID_DicomDirSeries, &CLSID_DicomDirImage};
-
-TEST_F(ExportsTest, GivesOneLastingClassObjectPerClass) {
-  std::set<void*> factories;
-  for (const CLSID* clsid : kClasses) {
-    void* first = nullptr;
+TEST_F(ExportsTest, GivesOneLastingClassObjectPerClassThatMakesItsClass) {
+  std::set<IClassFactory*> factories;
+  for (const ClassCase& c : kClasses) {
+    SCOPED_TRACE(c.name);
+    ComPtr<IClassFactory> factory;
     void* again = nullptr;
-    ASSERT_EQ(DllGetClassObject(*clsid, IID_IClassFactory, &first), S_OK);
-    ASSERT_EQ(DllGetClassObject(*clsid, IID_IUnknown, &again), S_OK);
-    ASSERT_NE(first, nullptr);
-    EXPECT_EQ(first, again);
-    factories.insert(first);
-    static_cast<IUnknown*>(first)->Release();
+    ASSERT_EQ(
+        DllGetClassObject(c.clsid, IID_IClassFactory, reinterpret_cast<void**>(factory.Receive())),
+        S_OK);
+    ASSERT_EQ(DllGetClassObject(c.clsid, IID_IUnknown, &again), S_OK);
+    EXPECT_EQ(again, factory.get());
     static_cast<IUnknown*>(again)->Release();
+    factories.insert(factory.get());
+    void* out = this;
+    EXPECT_EQ(DllGetClassObject(c.clsid, c.iid, &out), E_NOINTERFACE);
+    EXPECT_EQ(out, nullptr);
+    ComPtr<IUnknown> object;
+    EXPECT_EQ(factory->CreateInstance(nullptr, c.iid, reinterpret_cast<void**>(object.Receive())),
+              S_OK);
+    ASSERT_TRUE(object);
+    EXPECT_EQ(References(object.get()), 1u) << "the caller should hold the only reference";
   }
   EXPECT_EQ(factories.size(), std::size(kClasses));
-  EXPECT_EQ(DllCanUnloadNow(), S_OK) << "a class object alone holds the module";
-}
-
-TEST_F(ExportsTest, RefusesUnknownClassesInterfacesAndNullOuts) {
-  const CLSID* const unknown[] = {&GUID_NULL, &IID_IDicomDirImpl, &IID_IUnknown};
-  for (const CLSID* clsid : unknown) {
+  for (const CLSID* clsid : {&GUID_NULL, &IID_IDicomDirImpl, &IID_IUnknown}) {
     void* out = this;
     EXPECT_EQ(DllGetClassObject(*clsid, IID_IClassFactory, &out), CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(out, nullptr);
-    EXPECT_EQ(DllGetClassObject(*clsid, IID_IClassFactory, nullptr), E_POINTER);
   }
-  void* out = this;
-  EXPECT_EQ(DllGetClassObject(CLSID_DicomDirImage, IID_IDicomDirImage, &out), E_NOINTERFACE);
-  EXPECT_EQ(out, nullptr);
   EXPECT_EQ(DllGetClassObject(CLSID_DicomDirImage, IID_IClassFactory, nullptr), E_POINTER);
 }
 
-TEST_F(ExportsTest, CanUnloadOnlyWhenNoObjectLives) {
+// A refused instance is destroyed at once; an outer object is never touched; a class object
+// alone doesn't hold the module, but a lock does.
+TEST_F(ExportsTest, AClassObjectRefusesForeignInterfacesAggregationAndNullOuts) {
+  ComPtr<IClassFactory> factory;
+  ASSERT_EQ(DllGetClassObject(CLSID_DicomDirImage, IID_IClassFactory,
+                              reinterpret_cast<void**>(factory.Receive())),
+            S_OK);
   EXPECT_EQ(DllCanUnloadNow(), S_OK);
-  ComPtr<IDicomDirImage> image = Make<IDicomDirImage>();
-  ComPtr<IDicomDirImpl> service = Make<IDicomDirImpl>();
+  void* object = this;
+  EXPECT_EQ(factory->CreateInstance(nullptr, IID_IDicomDirImpl, &object), E_NOINTERFACE);
+  EXPECT_EQ(object, nullptr);
+  EXPECT_EQ(ModuleLock::Count(), 0) << "the refused instance wasn't destroyed";
+  CountingUnknown outer;
+  object = this;
+  EXPECT_EQ(factory->CreateInstance(&outer, IID_IDicomDirImage, &object), CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(object, nullptr);
+  EXPECT_EQ(outer.references(), 0u);
+  EXPECT_EQ(ModuleLock::Count(), 0);
+  EXPECT_EQ(factory->CreateInstance(nullptr, IID_IDicomDirImage, nullptr), E_POINTER);
+  EXPECT_EQ(factory->CreateInstance(&outer, IID_IDicomDirImage, nullptr), E_POINTER);
+  EXPECT_EQ(factory->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+  EXPECT_EQ(factory->LockServer(TRUE), S_OK);
+  EXPECT_EQ(factory->LockServer(TRUE), S_OK);
+  EXPECT_EQ(factory->LockServer(FALSE), S_OK);
   EXPECT_EQ(DllCanUnloadNow(), S_FALSE);
-  image = ComPtr<IDicomDirImage>();
-  EXPECT_EQ(DllCanUnloadNow(), S_FALSE);
-  service = ComPtr<IDicomDirImpl>();
+  EXPECT_EQ(factory->LockServer(FALSE), S_OK);
   EXPECT_EQ(DllCanUnloadNow(), S_OK);
 }
 
-TEST_F(ExportsTest, CreateUnregisteredComInstanceMakesTheService) {
+TEST_F(ExportsTest, CreateUnregisteredComInstanceMakesTheServiceOnly) {
   for (const IID* iid : {&IID_IDicomDirImpl, &IID_IUnknown, &IID_ISupportErrorInfo}) {
     ComPtr<IUnknown> object;
     ASSERT_EQ(CreateUnregisteredComInstance(reinterpret_cast<void**>(object.Receive()), *iid),
               S_OK);
-    ASSERT_TRUE(object);
     ComPtr<IDicomDirImpl> service;
     EXPECT_EQ(
         object->QueryInterface(IID_IDicomDirImpl, reinterpret_cast<void**>(service.Receive())),
         S_OK);
     EXPECT_EQ(ModuleLock::Count(), 1);
   }
-}
-
-TEST_F(ExportsTest, CreateUnregisteredComInstanceRefusesWhatItCantGive) {
   void* out = this;
   EXPECT_EQ(CreateUnregisteredComInstance(&out, IID_IDicomDirPatient), E_NOINTERFACE);
   EXPECT_EQ(out, nullptr);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <regex>
 #include <string>
 
 #include "ServiceTestSupport.h"
@@ -32,14 +33,6 @@ RegistryContent Parsed(const std::string& text) {
   return content;
 }
 
-std::string Replaced(std::string text, const std::string& name, const std::string& value) {
-  for (std::size_t at = text.find(name); at != std::string::npos;
-       at = text.find(name, at + value.size())) {
-    text.replace(at, name.size(), value);
-  }
-  return text;
-}
-
 class RegistrarTest : public ServiceTest {
  protected:
   TempRegistry registry_;
@@ -54,10 +47,10 @@ TEST_F(RegistrarTest, RegistersTheClassesTheApplicationAndTheTypeLibrary) {
   EXPECT_TRUE(std::filesystem::path(*module).is_absolute()) << *module;
   EXPECT_EQ(std::filesystem::canonical(*module), std::filesystem::canonical("/proc/self/exe"));
 
-  const std::string expected =
-      Replaced(Replaced(ReadWholeFile(DATA_FOLDER "/registered.reg"), "%MODULEDIR%",
-                        std::filesystem::path(*module).parent_path().string()),
-               "%MODULE%", *module);
+  const std::string expected = std::regex_replace(
+      std::regex_replace(ReadWholeFile(DATA_FOLDER "/registered.reg"), std::regex("%MODULEDIR%"),
+                         std::filesystem::path(*module).parent_path().string()),
+      std::regex("%MODULE%"), *module);
   EXPECT_EQ(text, expected);
 
   ASSERT_EQ(DllRegisterServer(), S_OK);

@@ -71,15 +71,16 @@ ULONG References(IUnknown* object);
 BString Text(std::u16string_view text);
 
 // An array of the given elements, each with the reference that the array adds.
-SafeArrayPtr ArrayOf(std::initializer_list<IUnknown*> elements, LONG lower = 0);
+SafeArrayPtr ArrayOf(std::initializer_list<IUnknown*> elements);
 
 // The elements of an array, without references of their own.
 std::vector<IUnknown*> Elements(SAFEARRAY* array);
 
 // The description in the calling thread's error record, taken over from GetErrorInfo, or
 // "(none)". Checks the fields that every record of the service has: the interface
-// IDicomDirImpl, no help file, help context 0, and no source, since the tests' registry is empty.
-std::u16string TakeFailureDescription();
+// IDicomDirImpl, no help file, help context 0, and the source given, which is none while the
+// class isn't registered, as in the tests' own registry.
+std::u16string TakeFailureDescription(std::u16string_view source = u"(null)");
 
 // Every test of the service leaves no object of the component alive.
 class ServiceTest : public testing::Test {

@@ -22,7 +22,6 @@ struct Method {
   std::string name;
   std::vector<std::string> arguments;
   std::string helpText;  // the IDL's only
-  bool operator==(const Method&) const = default;
 };
 
 struct Definition {
@@ -31,8 +30,6 @@ struct Definition {
   std::string helpText;
   std::vector<Method> methods;
 };
-
-std::string Narrow(const char16_t* text) { return ToNarrow(text); }
 
 std::string Uuid(REFGUID guid) {
   OLECHAR text[39];
@@ -43,14 +40,11 @@ std::string Uuid(REFGUID guid) {
 // The last identifier of each comma-separated argument, after [attributes] are dropped.
 std::vector<std::string> ArgumentNames(std::string arguments) {
   arguments = std::regex_replace(arguments, std::regex(R"(\[[^\]]*\])"), "");
+  static const std::regex kLastName(R"((\w+)\s*(,|$))");
   std::vector<std::string> names;
-  static const std::regex kLastName(R"((\w+)\s*$)");
-  std::smatch name;
-  for (std::size_t start = 0; start <= arguments.size();) {
-    const std::size_t comma = std::min(arguments.find(',', start), arguments.size());
-    const std::string argument = arguments.substr(start, comma - start);
-    if (std::regex_search(argument, name, kLastName)) names.push_back(name[1]);
-    start = comma + 1;
+  for (std::sregex_iterator at(arguments.begin(), arguments.end(), kLastName), end; at != end;
+       ++at) {
+    names.push_back((*at)[1]);
   }
   return names;
 }
@@ -102,7 +96,7 @@ TEST(TypeLibrary, InterfacesAgreeWithTheHeaderAndTheIdl) {
   EXPECT_EQ(header.size(), library.interfaces.size());
   for (std::size_t i = 0; i < idl.size(); ++i) {
     const TypeLibraryInterface& entry = library.interfaces[i];
-    const std::string name = Narrow(entry.name);
+    const std::string name = ToNarrow(entry.name);
     SCOPED_TRACE(name);
     EXPECT_EQ(idl[i].name, name);
     EXPECT_EQ(idl[i].uuid, Uuid(entry.iid));
@@ -113,7 +107,7 @@ TEST(TypeLibrary, InterfacesAgreeWithTheHeaderAndTheIdl) {
     ASSERT_EQ(idl[i].methods.size(), declared.size());
     for (std::size_t slot = 0; slot < declared.size(); ++slot) {
       const Method& defined = idl[i].methods[slot];
-      EXPECT_EQ(Narrow(entry.methods[slot]), declared[slot].name) << "slot " << slot;
+      EXPECT_EQ(ToNarrow(entry.methods[slot]), declared[slot].name) << "slot " << slot;
       EXPECT_EQ(defined.name, declared[slot].name) << "slot " << slot;
       EXPECT_EQ(defined.arguments, declared[slot].arguments) << defined.name;
       EXPECT_EQ(defined.helpText, ToNarrow(MethodHelpText(entry.methods[slot])));
@@ -123,18 +117,15 @@ TEST(TypeLibrary, InterfacesAgreeWithTheHeaderAndTheIdl) {
 
 TEST(TypeLibrary, HeadsTheIdlsLibraryInItsOrder) {
   const TypeLibrary& library = DicomDirLib();
-  EXPECT_EQ(library.lcid, 0x409u);
-  EXPECT_EQ(MethodHelpText(u"LoadDicomDir"), u"method LoadDicomDir");
-
   const std::string text = ReadWholeFile(IDL_PATH);
   std::smatch head;
   ASSERT_TRUE(std::regex_search(text, head, std::regex(R"(\[([^\]]*)\]\s*library (\w+))")));
-  EXPECT_EQ(head[2], Narrow(library.name));
+  EXPECT_EQ(head[2], ToNarrow(library.name));
   EXPECT_EQ(Attribute(head[1], "uuid"), Uuid(library.libid));
   EXPECT_EQ(Attribute(head[1], "version"),
             std::to_string(library.majorVersion) + "." + std::to_string(library.minorVersion));
-  EXPECT_EQ(Attribute(head[1], "lcid"), "0x409");
-  EXPECT_EQ(Attribute(head[1], "helpstring"), Narrow(library.helpText));
+  EXPECT_EQ(std::stoul(Attribute(head[1], "lcid"), nullptr, 16), library.lcid);
+  EXPECT_EQ(Attribute(head[1], "helpstring"), ToNarrow(library.helpText));
 
   const std::vector<Definition> classes = IdlDefinitions("coclass");
   ASSERT_EQ(classes.size(), library.classes.size());
@@ -145,9 +136,9 @@ TEST(TypeLibrary, HeadsTheIdlsLibraryInItsOrder) {
       if (IsEqualCLSID(entry.clsid, clsid)) registration = &entry;
     }
     ASSERT_NE(registration, nullptr);
-    EXPECT_EQ(classes[i].name, Narrow(registration->name));
+    EXPECT_EQ(classes[i].name, ToNarrow(registration->name));
     EXPECT_EQ(classes[i].uuid, Uuid(clsid));
-    EXPECT_EQ(classes[i].helpText, Narrow(registration->description));
+    EXPECT_EQ(classes[i].helpText, ToNarrow(registration->description));
   }
 }
 
