@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "TempFolder.h"
 
 namespace halvorine {
@@ -14,9 +12,7 @@ namespace {
 TEST(AppendFileTest, CreatesOrKeepsTheFileAndAppendsAtItsEnd) {
   TempFolder temp;
   WriteWholeFile(temp.Path("old.log"), "earlier run\n");
-  AppendFile created;
-  AppendFile first;
-  AppendFile second;
+  AppendFile created, first, second, missing;
   EXPECT_FALSE(created.IsOpen());
   ASSERT_TRUE(created.Open(temp.Path("new.log")));
   EXPECT_TRUE(created.IsOpen());
@@ -28,7 +24,6 @@ TEST(AppendFileTest, CreatesOrKeepsTheFileAndAppendsAtItsEnd) {
   first.Append("a2\n");
   EXPECT_EQ(ReadWholeFile(temp.Path("new.log")), "one\r\n");
   EXPECT_EQ(ReadWholeFile(temp.Path("old.log")), "earlier run\na1\nb1\na2\n");
-  AppendFile missing;
   EXPECT_FALSE(missing.Open(temp.Path("missing/a.log")));
   EXPECT_FALSE(missing.IsOpen());
   missing.Append("dropped");

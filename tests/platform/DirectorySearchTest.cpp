@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "TempFolder.h"
@@ -12,63 +12,50 @@
 namespace halvorine {
 namespace {
 
-std::vector<std::string> Describe(const std::vector<DirectoryEntry>& entries) {
-  std::vector<std::string> described;
-  for (const DirectoryEntry& entry : entries) {
-    described.push_back(entry.name + (entry.isDirectory ? "/" : ""));
-  }
-  return described;
-}
-
-struct SearchCase {
-  const char* name;
-  std::vector<std::string> files;
-  std::vector<std::string> folders;
-  std::vector<std::string> expected;  // a folder with a trailing '/'
-  const char* searched = "DICOMDIR";
-  std::vector<std::pair<std::string, std::string>> links = {};  // name, target
-};
-
+// Entries are given and reported as words: "name" a file, "name/" a folder, "name>target" a
+// link (made only in the folder; the found entries carry no target).
 TEST(DirectorySearchTest, FindsNamesWithoutRegardToCaseExactNameFirst) {
-  const SearchCase cases[] = {
-      {"nothing answers", {"DICOMDIR.bak", "xDICOMDIR", "DICOMDI"}, {}, {}},
-      {"lower case only", {"dicomdir"}, {}, {"dicomdir"}},
-      {"exact wins over byte order",
-       {"dicomdir", "DicomDir", "DICOMDIR", "DICOMDIr"},
-       {},
-       {"DICOMDIR", "DICOMDIr", "DicomDir", "dicomdir"}},
-      {"byte order without the exact name",
-       {"dicomdir", "DicomDir", "DICOMDIr"},
-       {},
-       {"DICOMDIr", "DicomDir", "dicomdir"}},
+  const struct {
+    const char* name;
+    const char* searched;
+    const char* entries;
+    const char* expected;
+  } cases[] = {
+      {"nothing answers", "DICOMDIR", "DICOMDIR.bak xDICOMDIR DICOMDI", ""},
+      {"exact wins over byte order", "DICOMDIR", "dicomdir DicomDir DICOMDIR DICOMDIr",
+       "DICOMDIR DICOMDIr DicomDir dicomdir"},
       // Upper case sorts first in byte order, so only a name in lower case shows the exact rule.
-      {"exact name that sorts last",
-       {"DICOMDIR", "dicomdir", "DicomDir"},
-       {},
-       {"dicomdir", "DICOMDIR", "DicomDir"},
-       "dicomdir"},
-      {"folders reported as folders",
-       {"dicomdir"},
-       {"DICOMDIR", "DicomDir"},
-       {"DICOMDIR/", "DicomDir/", "dicomdir"}},
-      {"links followed, a broken one a file",
-       {},
-       {"target"},
-       {"DICOMDIR/", "dicomdir"},
-       "DICOMDIR",
-       {{"DICOMDIR", "target"}, {"dicomdir", "missing"}}},
-      {"only ascii letters fold", {"DIC\xC3\x96MDIR", "dic\xC3\xB6mdir"}, {}, {}},
+      {"exact name that sorts last", "dicomdir", "DICOMDIR dicomdir DicomDir",
+       "dicomdir DICOMDIR DicomDir"},
+      {"folders reported as folders", "DICOMDIR", "dicomdir DICOMDIR/ DicomDir/",
+       "DICOMDIR/ DicomDir/ dicomdir"},
+      {"links followed, a broken one a file", "DICOMDIR",
+       "target/ DICOMDIR>target dicomdir>missing", "DICOMDIR/ dicomdir"},
+      {"only ascii letters fold", "DICOMDIR", "DIC\xC3\x96MDIR dic\xC3\xB6mdir", ""},
   };
-  for (const SearchCase& c : cases) {
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
     TempFolder temp;
-    for (const std::string& file : c.files) WriteWholeFile(temp.Path(file), "x");
-    for (const std::string& folder : c.folders) temp.MakeFolder(folder);
-    for (const auto& [name, target] : c.links) {
-      ASSERT_EQ(symlink(temp.Path(target).c_str(), temp.Path(name).c_str()), 0) << c.name;
+    std::istringstream entries(c.entries);
+    for (std::string entry; entries >> entry;) {
+      const std::size_t link = entry.find('>');
+      if (link != std::string::npos) {
+        ASSERT_EQ(symlink(temp.Path(entry.substr(link + 1)).c_str(),
+                          temp.Path(entry.substr(0, link)).c_str()),
+                  0);
+      } else if (entry.back() == '/') {
+        temp.MakeFolder(entry);
+      } else {
+        WriteWholeFile(temp.Path(entry), "x");
+      }
     }
-    std::vector<DirectoryEntry> entries{{"stale", true}};
-    EXPECT_TRUE(FindEntries(temp.Path(), c.searched, &entries)) << c.name;
-    EXPECT_EQ(Describe(entries), c.expected) << c.name;
+    std::vector<DirectoryEntry> found{{"stale", true}};
+    EXPECT_TRUE(FindEntries(temp.Path(), c.searched, &found));
+    std::string described;
+    for (const DirectoryEntry& entry : found) {
+      described += (described.empty() ? "" : " ") + entry.name + (entry.isDirectory ? "/" : "");
+    }
+    EXPECT_EQ(described, c.expected);
   }
 }
 

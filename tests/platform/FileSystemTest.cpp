@@ -18,42 +18,27 @@ mode_t ModeOf(const std::string& path) {
   return stat(path.c_str(), &info) == 0 ? info.st_mode : 0;
 }
 
-// Pseudo-random bytes, so that a block copied to the wrong place shows.
-std::string Pattern(std::size_t size) {
-  std::string bytes(size, '\0');
-  std::uint32_t state = 2463534242u;
-  for (char& byte : bytes) {
-    state ^= state << 13, state ^= state >> 17, state ^= state << 5;
-    byte = static_cast<char>(state);
-  }
-  return bytes;
-}
-
-class UmaskGuard {
- public:
-  explicit UmaskGuard(mode_t mask) : previous_(umask(mask)) {}
-  ~UmaskGuard() { umask(previous_); }
-
- private:
-  mode_t previous_;
-};
-
 // The errors themselves are the system's; what matters is that they come back as they are.
 TEST(FileSystemTest, MakeDirectoryUsesMode0777UnderTheUmaskAndGivesErrno) {
   TempFolder temp;
-  const UmaskGuard mask(027);
+  const mode_t former = umask(027);
   EXPECT_EQ(FileSystem::Posix().MakeDirectory(temp.Path("new")), 0);
+  umask(former);
   EXPECT_EQ(ModeOf(temp.Path("new")), S_IFDIR | 0750u);
   EXPECT_EQ(FileSystem::Posix().MakeDirectory(temp.Path("new")), EEXIST);
   EXPECT_EQ(FileSystem::Posix().MakeDirectory(temp.Path("missing/new")), ENOENT);
 }
 
-// Empty, below one read block, and large enough to cross many blocks with an odd tail. A failed
-// copy makes no target and never replaces one.
+// Empty, below one read block, and across many blocks with an odd tail. A failed copy makes no
+// target and never replaces one.
 TEST(FileSystemTest, CopyIsByteIdenticalOrFailsWithErrno) {
   for (const std::size_t size : {std::size_t{0}, std::size_t{1000}, std::size_t{(5 << 20) + 123}}) {
     TempFolder temp;
-    const std::string content = Pattern(size);
+    // Pseudo-random bytes, so that a block copied to the wrong place shows.
+    std::string content(size, '\0');
+    std::uint32_t state = 2463534242u;
+    for (char& byte : content)
+      byte = static_cast<char>((state = state * 1664525u + 1013904223u) >> 24);
     WriteWholeFile(temp.Path("source"), content);
     ASSERT_EQ(FileSystem::Posix().CopyFileNoReplace(temp.Path("source"), temp.Path("target")), 0);
     EXPECT_TRUE(ReadWholeFile(temp.Path("target")) == content) << size;

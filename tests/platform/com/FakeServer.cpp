@@ -11,14 +11,10 @@ std::atomic<LONG> liveObjects{0};
 class FakeObject final : public IUnknown {
  public:
   FakeObject() { ++liveObjects; }
-  FakeObject(const FakeObject&) = delete;
-  FakeObject& operator=(const FakeObject&) = delete;
 
   HRESULT QueryInterface(REFIID riid, void** ppvObject) override {
     *ppvObject = IsEqualIID(riid, IID_IUnknown) ? this : nullptr;
-    if (*ppvObject == nullptr) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
+    return *ppvObject == nullptr ? E_NOINTERFACE : (AddRef(), S_OK);
   }
   ULONG AddRef() override { return ++references_; }
   ULONG Release() override {
@@ -32,7 +28,7 @@ class FakeObject final : public IUnknown {
   std::atomic<ULONG> references_{1};
 };
 
-// Lives as long as the module; refuses aggregation as every class object of the component does.
+// Lives as long as the module.
 class FakeFactory final : public IClassFactory {
  public:
   HRESULT QueryInterface(REFIID riid, void** ppvObject) override {
@@ -42,9 +38,7 @@ class FakeFactory final : public IClassFactory {
   }
   ULONG AddRef() override { return 2; }
   ULONG Release() override { return 1; }
-  HRESULT CreateInstance(IUnknown* pUnkOuter, REFIID riid, void** ppvObject) override {
-    *ppvObject = nullptr;
-    if (pUnkOuter != nullptr) return CLASS_E_NOAGGREGATION;
+  HRESULT CreateInstance(IUnknown*, REFIID riid, void** ppvObject) override {
     auto* object = new FakeObject;
     const HRESULT hr = object->QueryInterface(riid, ppvObject);
     object->Release();

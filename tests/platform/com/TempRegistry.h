@@ -23,11 +23,7 @@ class TempRegistry {
   TempRegistry(const TempRegistry&) = delete;
   TempRegistry& operator=(const TempRegistry&) = delete;
   ~TempRegistry() {
-    if (former_) {
-      setenv("HALVORINE_REGISTRY", former_->c_str(), 1);
-    } else {
-      unsetenv("HALVORINE_REGISTRY");
-    }
+    former_ ? setenv("HALVORINE_REGISTRY", former_->c_str(), 1) : unsetenv("HALVORINE_REGISTRY");
   }
 
   std::string Path() const { return folder_.Path("registry.reg"); }
