@@ -1,4 +1,5 @@
-// Helpers of the engine's tests: elements built in one call, and dcmdump's listing as rows.
+// Helpers of the engine's tests: elements built in one call, and trees and dcmdump's listing as
+// rows of one form.
 #ifndef HALVORINE_TESTS_ENGINE_ENGINETESTSUPPORT_H
 #define HALVORINE_TESTS_ENGINE_ENGINETESTSUPPORT_H
 
@@ -8,18 +9,24 @@
 #include <cctype>
 #include <cstdio>
 #include <memory>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "engine/elements/VRBinary.h"
+#include "engine/elements/DoubleVR.h"
+#include "engine/elements/IntegerVR.h"
+#include "engine/elements/SignedShortVR.h"
+#include "engine/elements/UnsignedIntegerVR.h"
+#include "engine/elements/UnsignedShortVR.h"
+#include "engine/elements/VRAttributeTag.h"
 #include "engine/elements/VRBinarySequenceItem.h"
 #include "engine/elements/VRSequence.h"
 #include "engine/elements/VRSequenceItem.h"
-#include "engine/elements/VRString.h"
 #include "engine/elements/VRUniqueIdentifier.h"
 #include "engine/parsing/MultiChunkBuffer.h"
+#include "support/MyException.h"
 
 namespace DicomEngine {
 
@@ -93,15 +100,83 @@ inline std::string Row(const std::string& indent, std::string tag, const std::st
          " #" + length;
 }
 
+template <typename Numbers>
+std::string Joined(const Numbers& numbers, const char* format) {
+  std::string text;
+  for (const auto number : numbers) {
+    text += (text.empty() ? "" : "\\") + halvorine::FormatBounded(32, format, number);
+  }
+  return text;
+}
+
+template <typename Element>
+bool JoinedNumbers(const VR& element, const char* format, std::string* value) {
+  const auto* numbers = dynamic_cast<const Element*>(&element);
+  if (numbers != nullptr) *value = Joined(numbers->values, format);
+  return numbers != nullptr;
+}
+
+// The value as dcmdump shows it.
+inline std::string ValueOf(const VR& element) {
+  if (const auto* text = dynamic_cast<const VRString*>(&element)) {
+    std::string value = text->GetValue();
+    value.erase(value.find_last_not_of(' ') + 1);
+    return value.empty() ? "(no value available)" : "[" + value + "]";
+  }
+  if (const auto* binary = dynamic_cast<const VRBinary*>(&element)) {
+    const bool words = element.vrCode == "OW";
+    std::vector<unsigned> units;
+    for (std::uint32_t at = 0; at < element.length; at += words ? 2 : 1) {
+      const std::uint8_t* bytes = binary->GetData() + at;
+      units.push_back(words ? bytes[0] | bytes[1] << 8 : bytes[0]);
+    }
+    return units.empty() ? "(no value available)" : Joined(units, words ? "%04x" : "%02x");
+  }
+  if (const auto* fragments = dynamic_cast<const VRSequence*>(&element);
+      fragments != nullptr && element.vrCode != "SQ") {
+    return "(PixelSequence #=" + std::to_string(fragments->Elements().size() - 1) + ")";
+  }
+  std::string value;
+  if (dynamic_cast<const VRAttributeTag*>(&element) != nullptr) {
+    // The tags are held privately; their text shows them.
+    const std::string text = element.ToString();
+    const std::regex tag(R"(Value=\[\(([0-9a-f]+), ([0-9a-f]+)\))");
+    for (auto found = std::sregex_iterator(text.begin(), text.end(), tag);
+         found != std::sregex_iterator(); ++found) {
+      value += (value.empty() ? "" : "\\") +
+               halvorine::FormatBounded(16, "(%04lx,%04lx)", std::stoul((*found)[1], nullptr, 16),
+                                        std::stoul((*found)[2], nullptr, 16));
+    }
+    return value;
+  }
+  JoinedNumbers<UnsignedShortVR>(element, "%u", &value) ||
+      JoinedNumbers<SignedShortVR>(element, "%d", &value) ||
+      JoinedNumbers<UnsignedIntegerVR>(element, "%u", &value) ||
+      JoinedNumbers<IntegerVR>(element, "%d", &value) ||
+      JoinedNumbers<DoubleVR>(element, "%g", &value);
+  return value;
+}
+
+// The tree as dcmdump lists it, which shows a delimiter at the level of what it ends.
+inline void ListTree(const VRContainer& container, const std::string& indent, Rows& rows) {
+  for (const auto& element : container.Elements()) {
+    const bool delimiter = element->group == kItemGroup && element->element != kItem;
+    rows.push_back(
+        Row(delimiter ? indent.substr(2) : indent,
+            halvorine::FormatBounded(16, "(%04X,%04X)", element->group, element->element),
+            element->GetVRCode(), ValueOf(*element),
+            element->length == kUndefinedLength ? "u/l" : std::to_string(element->length)));
+    if (const auto* inner = dynamic_cast<const VRContainer*>(element.get())) {
+      ListTree(*inner, indent + "  ", rows);
+    }
+  }
+}
+
 // A dcmdump line as a Row: "na" and "pi" show no code, "up" shows as UL and "??" as UN;
-// sequences and items show no value. The file offset that dcmdump notes below a directory record
-// gives "<indent>offset=$N"; other comments and the delimiters that dcmdump adds "for
+// sequences and items show no value. Comments and the delimiters that dcmdump adds "for
 // re-encoding" give nothing.
 inline std::string RowOf(const std::string& line) {
   const std::size_t indent = line.find_first_not_of(' ');
-  if (line.compare(indent, 10, "#  offset=") == 0) {
-    return line.substr(0, indent) + line.substr(indent + 3);
-  }
   if (line[indent] != '(' || line.find("for re-encod") != std::string::npos) return "";
   std::string code = line.substr(indent + 12, 2);
   const std::size_t hash = line.rfind('#');

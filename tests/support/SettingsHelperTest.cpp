@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "RaisedMessage.h"
 #include "TempFolder.h"
@@ -22,56 +23,38 @@ std::optional<std::string> ValueOf(const SettingsHelper& settings, const std::st
   }
 }
 
-struct ScanCase {
-  const char* name;
-  std::string content;
-  std::string key;
-  std::optional<std::string> value;
-};
-
-const ScanCase kScanCases[] = {
-    {"one entry", R"(<add key="AeTitle" value="HALVORINE"/>)", "AeTitle", "HALVORINE"},
-    {"the later line wins",
-     "<add key=\"AeTitle\" value=\"FIRST\"/>\n<add key=\"AeTitle\" value=\"SECOND\"/>\n", "AeTitle",
-     "SECOND"},
-    {"only the first entry of a line counts",
-     R"(<add key="AeTitle" value="FIRST"/><add key="AeTitle" value="SECOND"/>)", "AeTitle",
-     "FIRST"},
-    {"spread over two lines", "<add key=\"AeTitle\"\n value=\"HALVORINE\"/>", "AeTitle",
-     std::nullopt},
-    {"value ahead of the key", R"(<add value="HALVORINE" key="AeTitle"/>)", "AeTitle",
-     std::nullopt},
-    {"empty value", R"(<add key="AeTitle" value=""/>)", "AeTitle", ""},
-    {"blanks are kept", R"(<add key="AeTitle" value="  A B  "/>)", "AeTitle", "  A B  "},
-    {"a value ends at its second quote", R"(<add key="AeTitle" value="A"B"/>)", "AeTitle", "A"},
-    {"a blank before the equals sign", R"(<add key ="AeTitle" value="HALVORINE"/>)", "AeTitle",
-     std::nullopt},
-    {"a blank before the value's equals sign", R"(<add key="AeTitle" value ="HALVORINE"/>)",
-     "AeTitle", std::nullopt},
-    {"no <add", R"(<set key="AeTitle" value="HALVORINE"/>)", "AeTitle", std::nullopt},
-    {"no closing quote of the value", R"(<add key="AeTitle" value="HALVORINE/>)", "AeTitle",
-     std::nullopt},
-    {"key= searched behind <add", R"(text key="x" <add key="AeTitle" value="HALVORINE"/>)",
-     "AeTitle", "HALVORINE"},
-    {"value= searched behind the key's opening quote", R"(<add key="value=" x="AeTitle"/>)",
-     "value=", " x="},
-    {"inside a comment", R"(<!-- <add key="AeTitle" value="HALVORINE"/> -->)", "AeTitle",
-     "HALVORINE"},
-    {"entities stay", R"(<add key="AeTitle" value="A&amp;B"/>)", "AeTitle", "A&amp;B"},
-    {"the whole host file",
-     "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<configuration>\n  <appSettings>\n"
-     "    <add key=\"AeTitle\" value=\"HALVORINE\"/>\n  </appSettings>\n</configuration>\n",
-     "AeTitle", "HALVORINE"},
-};
-
+// One entry, and the whole file of the host, are read in LoadsOneFileOnce.
 TEST(SettingsHelperTest, ScansAddLines) {
-  for (const ScanCase& c : kScanCases) {
-    TempFolder temp;
-    WriteWholeFile(temp.Path("app.config"), c.content);
+  TempFolder temp;
+  const auto scan = [&](const std::string& content, const std::string& key) {
+    WriteWholeFile(temp.Path("app.config"), content);
     SettingsHelper settings;
     settings.Load(temp.Path("app.config"));
-    EXPECT_EQ(ValueOf(settings, c.key), c.value) << c.name;
-  }
+    return ValueOf(settings, key);
+  };
+  const std::pair<std::string, std::optional<std::string>> cases[] = {
+      // The later line wins; only the first entry of a line counts.
+      {"<add key=\"AeTitle\" value=\"1\"/>\n<add key=\"AeTitle\" value=\"2\"/>\n", "2"},
+      {R"(<add key="AeTitle" value="1"/><add key="AeTitle" value="2"/>)", "1"},
+      // An entry spread over two lines, or with its value first, is none.
+      {"<add key=\"AeTitle\"\n value=\"X\"/>", std::nullopt},
+      {R"(<add value="X" key="AeTitle"/>)", std::nullopt},
+      // Values are taken as they stand, up to the second quote.
+      {R"(<add key="AeTitle" value=""/>)", ""},
+      {R"(<add key="AeTitle" value="  A B  "/>)", "  A B  "},
+      {R"(<add key="AeTitle" value="A"B"/>)", "A"},
+      {R"(<add key="AeTitle" value="A&amp;B"/>)", "A&amp;B"},
+      // No blank before an equals sign, "<add" needed, and a closing quote.
+      {R"(<add key ="AeTitle" value="X"/>)", std::nullopt},
+      {R"(<set key="AeTitle" value="X"/>)", std::nullopt},
+      {R"(<add key="AeTitle" value="X/>)", std::nullopt},
+      // key= is searched behind <add, and a comment is no comment.
+      {R"(text key="x" <add key="AeTitle" value="X"/>)", "X"},
+      {R"(<!-- <add key="AeTitle" value="X"/> -->)", "X"},
+  };
+  for (const auto& [content, value] : cases) EXPECT_EQ(scan(content, "AeTitle"), value) << content;
+  // value= is searched behind the key's opening quote.
+  EXPECT_EQ(scan(R"(<add key="value=" x="AeTitle"/>)", "value="), " x=");
 }
 
 // The same name again reads nothing, even when it was missing; another name, or the same file

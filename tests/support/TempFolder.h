@@ -18,10 +18,9 @@ class TempFolder {
  public:
   TempFolder() {
     const char* base = getenv("TMPDIR");
-    std::string pattern =
+    path_ =
         std::string(base != nullptr && *base != '\0' ? base : "/tmp") + "/halvorine-test-XXXXXX";
-    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
-    path_ = pattern;
+    if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
   }
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;

@@ -8,24 +8,25 @@
 namespace halvorine {
 namespace {
 
-// The conversion itself is TextCodec's; here both directions end the text at its first NUL.
+// The conversion itself is TextCodec's; here both directions end the text at its first NUL, and
+// ToWideBString, whose stack path takes ASCII up to 256 characters, gives what ToWide gives.
 TEST(TextConversionTest, BothDirectionsEndAtTheFirstNul) {
-  const std::pair<std::string, std::u16string> toWide[] = {
-      {"", u""},
+  const std::pair<std::string, std::u16string> cases[] = {
+      {"/a/DICOMDIR", u"/a/DICOMDIR"},
       {std::string("\0abc", 4), u""},
       {std::string("ab\0cd\0", 6), u"ab"},
-      {"/m\xC3\xBCller/DICOMDIR", u"/m\u00FCller/DICOMDIR"},
+      {"/m\xC3\xBCller/\xF0\x9D\x84\x9E", u"/m\u00FCller/\U0001D11E"},
+      {std::string(256, 'a'), std::u16string(256, u'a')},
+      {std::string(257, 'a'), std::u16string(257, u'a')},
   };
-  for (const auto& [narrow, wide] : toWide) EXPECT_EQ(ToWide(narrow), wide) << narrow;
-  const std::pair<std::u16string, std::string> toNarrow[] = {
-      {u"", ""},
-      {std::u16string(u"\0abc", 4), ""},
-      {std::u16string(u"ab\0cd", 5), "ab"},
-      {u"/m\u00FCller/\U0001D11E", "/m\xC3\xBCller/\xF0\x9D\x84\x9E"},
-  };
-  for (const auto& [wide, narrow] : toNarrow) {
-    EXPECT_EQ(ToNarrow(std::u16string_view(wide)), narrow) << narrow;
-    EXPECT_EQ(ToNarrow(wide.c_str()), narrow) << narrow;
+  for (const auto& [narrow, wide] : cases) {
+    EXPECT_EQ(ToWide(narrow), wide) << narrow;
+    const BString text = ToWideBString(narrow);
+    ASSERT_FALSE(text.IsNull()) << narrow;
+    EXPECT_EQ(text.View(), ToWide(narrow)) << narrow;
+    const std::u16string tailed = wide + u'\0' + u"cd";
+    EXPECT_EQ(ToNarrow(std::u16string_view(tailed)), narrow.substr(0, narrow.find('\0')));
+    EXPECT_EQ(ToNarrow(tailed.c_str()), narrow.substr(0, narrow.find('\0')));
   }
   EXPECT_EQ(ToNarrow(static_cast<const char16_t*>(nullptr)), "");
 }

@@ -69,42 +69,34 @@ TEST(VRContainerTest, FindAndAppendFollowTheDuplicateRule) {
                start + std::string(255 - start.size(), 'x'), "VRContainer");
 }
 
+// A group ending in F goes to the end and is passed over by later walks; an equal tag inside the
+// list is passed over, not refused, but one at the end is.
 TEST(VRContainerTest, InsertKeepsTagOrderAndMakesGroupLengths) {
   const struct {
     bool addGroupLengths;
-    std::vector<Tag> inserts;
+    std::vector<std::uint32_t> inserts;  // group << 16 | element
     const char* tags;
   } cases[] = {
-      {true, {{0x0002, 0x0010}}, "(0002,0000) (0002,0010)"},
-      {true, {{0x0002, 0x0010}, {0x0002, 0x0002}}, "(0002,0000) (0002,0002) (0002,0010)"},
+      {true, {0x00020010, 0x00020002}, "(0002,0000) (0002,0002) (0002,0010)"},
+      {true, {0x00041130, 0x00020010}, "(0002,0000) (0002,0010) (0004,0000) (0004,1130)"},
       {true,
-       {{0x0002, 0x0010}, {0x0004, 0x1130}},
-       "(0002,0000) (0002,0010) (0004,0000) (0004,1130)"},
-      {true,
-       {{0x0004, 0x1130}, {0x0002, 0x0010}},
-       "(0002,0000) (0002,0010) (0004,0000) (0004,1130)"},
-      {true,
-       {{0x8000, 0x0001}, {0x0008, 0x8001}, {0x0008, 0x0001}},
+       {0x80000001, 0x00088001, 0x00080001},
        "(0008,0000) (0008,0001) (0008,8001) (8000,0000) (8000,0001)"},
-      // A group ending in F goes to the end and is passed over by later walks.
       {true,
-       {{0x0008, 0x0010}, {0x001F, 0x0001}, {0x0010, 0x0010}, {0x0008, 0x0020}},
+       {0x00080010, 0x001F0001, 0x00100010, 0x00080020},
        "(0008,0000) (0008,0010) (001F,0001) (0008,0020) (0010,0000) (0010,0010)"},
-      // An equal tag inside the list is passed over, not refused.
       {true,
-       {{0x0008, 0x0010}, {0x0010, 0x0010}, {0x0008, 0x0010}},
+       {0x00080010, 0x00100010, 0x00080010},
        "(0008,0000) (0008,0010) (0008,0010) (0010,0000) (0010,0010)"},
-      {false, {{0x0004, 0x1130}, {0x0002, 0x0010}}, "(0002,0010) (0004,1130)"},
+      {false, {0x00041130, 0x00020010}, "(0002,0010) (0004,1130)"},
   };
   for (const auto& test : cases) {
     DicomData data(test.addGroupLengths);
-    for (const Tag tag : test.inserts) data.Insert(Text(tag));
+    for (const std::uint32_t tag : test.inserts)
+      data.Insert(Text({std::uint16_t(tag >> 16), std::uint16_t(tag)}));
     data.Insert(nullptr);
     EXPECT_EQ(TagsOf(data), test.tags);
   }
-}
-
-TEST(VRContainerTest, InsertRefusesADuplicateOnlyAtTheEndOfTheList) {
   DicomData data(true);
   data.Insert(Text({0x0010, 0x0010}));
   EXPECT_PRED3(IsPlaced, RaisedMessage([&] {
@@ -113,7 +105,6 @@ TEST(VRContainerTest, InsertRefusesADuplicateOnlyAtTheEndOfTheList) {
                kReinsertXY, "VRContainer");
   data.Insert(Text({0x0010, 0x0010}, ""));
   EXPECT_EQ(TagsOf(data), "(0010,0000) (0010,0010) (0010,0010)");
-  EXPECT_EQ(data.Elements()[0]->ToString(), "(0010, 0000) VR=UL Length=4<=>0x4 Value=[0<=>0x0]");
 }
 
 TEST(VRContainerTest, WriteElementsPatchesGroupLengthsAndNotesOffsets) {
@@ -138,16 +129,13 @@ TEST(VRContainerTest, WriteElementsPatchesGroupLengthsAndNotesOffsets) {
   EXPECT_EQ(offsets, expected);
 }
 
-TEST(VRContainerTest, WithoutGroupLengthsElementZeroIsAnElementLikeAnyOther) {
+// Without group lengths, element 0 is an element like any other.
+TEST(VRContainerTest, WithoutGroupLengthsElementZeroIsWrittenAsItStands) {
   DicomData data(false);
   data.Append(std::make_unique<UnsignedIntegerVR>("UL", 0x0008, 0x0000, 4, 99u), true);
-  data.Append(Text({0x0008, 0x0010}), true);
   BufferWriter writer("1.2.840.10008.1.2.1");
-  OffsetMap offsets;
-  data.WriteElements(writer, &offsets);
-  EXPECT_EQ(StreamOf(writer),
-            "08 00 00 00 55 4C 04 00 63 00 00 00 08 00 10 00 4C 4F 04 00 41 42 43 44");
-  EXPECT_EQ(offsets, (OffsetMap{{0x00000008, 0}, {0x00100008, 12}}));
+  data.WriteElements(writer, nullptr);
+  EXPECT_EQ(StreamOf(writer), "08 00 00 00 55 4C 04 00 63 00 00 00");
 }
 
 }  // namespace

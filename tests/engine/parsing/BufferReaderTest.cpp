@@ -72,22 +72,18 @@ TEST(BufferReaderTest, ReadsPastTheEndFailAndLeaveThePosition) {
       {"Skip", [](BufferReader& r) { r.Skip(4); }},
       {"Skip undefined", [](BufferReader& r) { r.Skip(0xFFFFFFFF); }},
       {"ReadUnsignedLong", [](BufferReader& r) { r.ReadUnsignedLong(); }},
-      {"ReadSignedLong", [](BufferReader& r) { r.ReadSignedLong(); }},
-      {"ReadFloat", [](BufferReader& r) { r.ReadFloat(4); }},
-      {"ReadDouble", [](BufferReader& r) { r.ReadDouble(8); }},
       {"ReadDouble near 2^32", [](BufferReader& r) { r.ReadDouble(0xFFFFFFFE); }},
       {"ReadString", [](BufferReader& r) { r.ReadString(4); }},
       {"ReadString near 2^32", [](BufferReader& r) { r.ReadString(0xFFFFFFFF); }},
       {"ReadBinary", [&](BufferReader& r) { r.ReadBinary(&block, 4); }},
       {"ReadBinary near 2^32", [&](BufferReader& r) { r.ReadBinary(&block, 0xFFFFFFFF); }},
-      {"CreateSubReader", [](BufferReader& r) { r.CreateSubReader(4); }},
       {"CreateSubReader near 2^32", [](BufferReader& r) { r.CreateSubReader(0xFFFFFFFE); }},
   };
-  for (const auto& [name, read] : cases) {
-    SCOPED_TRACE(name);
+  for (const auto& row : cases) {
+    SCOPED_TRACE(row.first);
     BufferReader reader = ReaderOver("\x09\x09\x01\x02\x03", {3});
     reader.Skip(2);
-    EXPECT_TRUE(IsTooShort(RaisedMessage([&] { read(reader); })));
+    EXPECT_TRUE(IsTooShort(RaisedMessage([&] { row.second(reader); })));
     EXPECT_TRUE(HasExactly(reader, 3));
     EXPECT_EQ(reader.ReadUnsignedShort(), 0x0201u);
     EXPECT_EQ(block, nullptr);

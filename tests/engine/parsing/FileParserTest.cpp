@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <string>
+#include <utility>
 
 #include "RaisedMessage.h"
 #include "TempFolder.h"
@@ -29,86 +30,59 @@ std::string ImplicitCharacterSet(std::uint32_t length) {
   return header + std::string(length, 'A');
 }
 
-struct Opened {
-  bool accepted = false;
-  std::uint32_t dataOffset = 0;
-  std::uint32_t vrField = 0;  // of group 8, which tells the first guess
-  std::size_t elements = 0;
-  std::string failure;  // of Parse
-};
-
-Opened OpenBytes(const std::string& bytes) {
+// "offset vrField elements" after Open and Parse, the VR field of group 8 telling the first
+// guess; "refused" when Open refuses the file, whose Parse must then fail.
+std::string Opened(const std::string& bytes) {
   const halvorine::TempFolder folder;
   halvorine::WriteWholeFile(folder.Path("f.dcm"), bytes);
   FileParser parser;
-  Opened opened;
-  opened.accepted = parser.Open(ToWide(folder.Path("f.dcm")));
-  opened.dataOffset = parser.GetDataOffset();
-  opened.vrField = parser.GetVRFieldSize(0x0008, 0x0005);
   DicomData data(false);
-  opened.failure = RaisedMessage([&] { parser.Parse(data); });
-  opened.elements = data.Elements().size();
-  return opened;
+  if (!parser.Open(ToWide(folder.Path("f.dcm")))) {
+    EXPECT_PRED3(IsPlaced, RaisedMessage([&] { parser.Parse(data); }), "The parser buffer is NULL.",
+                 "Parser");
+    return "refused";
+  }
+  const std::uint32_t vrField = parser.GetVRFieldSize(0x0008, 0x0005);
+  RaisedMessage([&] { parser.Parse(data); });
+  return std::to_string(parser.GetDataOffset()) + " " + std::to_string(vrField) + " " +
+         std::to_string(data.Elements().size());
 }
 
 TEST(FileParserTest, TheHeaderDecidesWhereTheElementsBeginAndTheFirstGuess) {
-  struct Case {
-    const char* name;
-    std::string bytes;
-    bool accepted;
-    std::uint32_t dataOffset, vrField;
-    std::size_t elements;
+  const std::pair<std::string, const char*> cases[] = {
+      {kMarked, "132 0 0"},
+      {kMarked + kGroupLength, "132 2 1"},
+      {ImplicitCharacterSet(10), "0 0 1"},
+      {ImplicitCharacterSet(0x0B00), "0 2 0"},                // too long for the guess
+      {std::string("\x08\x00\x05\x00\x00\x80", 6), "0 0 0"},  // a sixth byte from 0x80 up
+      {std::string("\x08\x00\x05", 3), "0 0 0"},
+      {std::string("\x00\x80\x00\x00", 4), "0 0 0"},
+      {std::string("\x00\x08\x00\x00", 4), "refused"},
+      {"", "refused"},
+      {std::string(129, '\0') + "DICM", "refused"},
   };
-  const Case cases[] = {
-      {"the mark alone", kMarked, true, 132, 0, 0},
-      {"the mark and an explicit group length", kMarked + kGroupLength, true, 132, 2, 1},
-      {"a bare implicit data set", ImplicitCharacterSet(10), true, 0, 0, 1},
-      {"a first element too long for the guess", ImplicitCharacterSet(0x0B00), true, 0, 2, 0},
-      {"a sixth byte from 0x80 up", std::string("\x08\x00\x05\x00\x00\x80", 6), true, 0, 0, 0},
-      {"a short file of group 0008", std::string("\x08\x00\x05", 3), true, 0, 0, 0},
-      {"group 8000", std::string("\x00\x80\x00\x00", 4), true, 0, 0, 0},
-      {"group 0800", std::string("\x00\x08\x00\x00", 4), false, 0, 0, 0},
-      {"an empty file", "", false, 0, 0, 0},
-      {"the mark one byte late", std::string(129, '\0') + "DICM", false, 0, 0, 0},
-  };
-  for (const Case& test : cases) {
-    SCOPED_TRACE(test.name);
-    const Opened opened = OpenBytes(test.bytes);
-    EXPECT_EQ(opened.accepted, test.accepted);
-    EXPECT_EQ(opened.dataOffset, test.dataOffset);
-    if (!test.accepted) {
-      EXPECT_PRED3(IsPlaced, opened.failure, "The parser buffer is NULL.", "Parser");
-      continue;
-    }
-    EXPECT_EQ(opened.vrField, test.vrField);
-    if (test.elements > 0) {
-      EXPECT_EQ(opened.failure, "nothing raised");
-    }
-    EXPECT_EQ(opened.elements, test.elements);
+  for (const auto& [bytes, expected] : cases) {
+    EXPECT_EQ(Opened(bytes), expected)
+        << testing::PrintToString(bytes.substr(0, 8)) << " of " << bytes.size();
   }
 }
 
-TEST(FileParserTest, ANameWithoutADotIsTriedWithDcm) {
+// A name without a dot is tried with ".dcm"; a dot in a folder's name counts.
+TEST(FileParserTest, OpenTakesTheNameOrTheNameWithDcm) {
   const halvorine::TempFolder folder;
   if (folder.Path().find('.') != std::string::npos) GTEST_SKIP() << "a dot in $TMPDIR";
   halvorine::WriteWholeFile(folder.Path("image.dcm"), kMarked);
   FileParser parser;
   EXPECT_TRUE(parser.Open(ToWide(folder.Path("image"))));
   EXPECT_EQ(parser.GetDataOffset(), 132u);
-}
-
-TEST(FileParserTest, FilesThatCantBeOpenedFailWithTheNamePassedIn) {
-  const halvorine::TempFolder folder;
   const std::string dotted = folder.MakeFolder("a.b") + "/image";
   halvorine::WriteWholeFile(dotted + ".dcm", kMarked);
   for (const std::string& name : {folder.Path("missing"), dotted}) {
-    FileParser parser;
     EXPECT_PRED3(IsPlaced, RaisedMessage([&] { parser.Open(ToWide(name)); }),
                  "The " + name + " file cannot be opened. The last error is (in hexa): 0x" +
                      std::to_string(ENOENT),
                  "FileParser");
   }
-  FileParser parser;
   EXPECT_PRED3(IsPlaced, RaisedMessage([&] { parser.Open(std::u16string()); }),
                "The name of the file to parse is empty.", "FileParser");
 }
