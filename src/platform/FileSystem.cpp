@@ -1,12 +1,11 @@
 #include "platform/FileSystem.h"
 
 #include <fcntl.h>
-#include <linux/fs.h>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 
 namespace halvorine {
 namespace {
@@ -43,19 +42,25 @@ int CopyByReading(int from, int to) {
   }
 }
 
-// A reflink where the file system shares blocks, else copy_file_range, else reads and writes.
-int CopyContent(int from, int to) {
-  if (ioctl(to, FICLONE, from) == 0) return 0;
-  for (;;) {
-    const ssize_t copied = copy_file_range(from, nullptr, to, nullptr, 1 << 30, 0);
+// copy_file_range, which shares blocks itself where the file system can, else reads and writes.
+// A regular file is copied up to the size that it had when opened, with no call to find its end;
+// for anything else, size is negative and the copy runs until the source has no more.
+int CopyContent(int from, int to, off_t size) {
+  for (off_t done = 0; size < 0 || done < size;) {
+    const auto wanted = static_cast<std::size_t>(size < 0 ? 1 << 30 : size - done);
+    const ssize_t copied = copy_file_range(from, nullptr, to, nullptr, wanted, 0);
     if (copied == 0) return 0;
-    if (copied > 0) continue;
+    if (copied > 0) {
+      done += copied;
+      continue;
+    }
     if (errno == EINTR) continue;
     if (errno == EXDEV || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP) {
       return CopyByReading(from, to);
     }
     return errno;
   }
+  return 0;
 }
 
 class PosixFileSystem final : public FileSystem {
@@ -73,7 +78,7 @@ class PosixFileSystem final : public FileSystem {
     const mode_t mode = info.st_mode & 0777;
     FileDescriptor to(open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
     if (to.get() < 0) return errno;
-    const int error = CopyContent(from.get(), to.get());
+    const int error = CopyContent(from.get(), to.get(), S_ISREG(info.st_mode) ? info.st_size : -1);
     if (error != 0) unlink(target.c_str());
     return error;
   }
