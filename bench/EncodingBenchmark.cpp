@@ -8,9 +8,8 @@
 #include <vector>
 
 #include "engine/elements/DicomData.h"
-#include "engine/elements/UnsignedIntegerVR.h"
-#include "engine/elements/UnsignedShortVR.h"
 #include "engine/elements/VRBinary.h"
+#include "engine/elements/VRNumeric.h"
 #include "engine/elements/VRSequence.h"
 #include "engine/elements/VRSequenceItem.h"
 #include "engine/elements/VRString.h"

@@ -15,8 +15,7 @@
 
 #include "engine/dictionary/DicomDictionary.h"
 #include "engine/elements/DicomData.h"
-#include "engine/elements/UnsignedIntegerVR.h"
-#include "engine/elements/UnsignedShortVR.h"
+#include "engine/elements/VRNumeric.h"
 #include "engine/elements/VRSequence.h"
 #include "engine/elements/VRSequenceItem.h"
 #include "engine/elements/VRString.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/elements/UnsignedIntegerVR.h"
+#include "engine/elements/VRNumeric.h"
 #include "engine/elements/VRString.h"
 #include "support/MyException.h"
 
@@ -21,7 +21,7 @@ template <std::size_t kSize>
 std::size_t IndexOf(const std::array<std::uint32_t, kSize>& tags, std::uint32_t key) {
   const auto found = std::ranges::lower_bound(tags, key);
   return found != tags.end() && *found == key ? static_cast<std::size_t>(found - tags.begin())
-                                               : kSize;
+                                              : kSize;
 }
 
 }  // namespace
@@ -39,8 +39,8 @@ RecordLink::RecordLink(const DicomEngine::VRContainer& container, std::uint16_t 
 std::int32_t RecordLink::Read(std::uint32_t where) const {
   if (state_ == State::kMissing) Raise(kUnit, __LINE__, "The first record offset is missing.");
   if (state_ == State::kEmpty) {
-    Raise(kUnit, __LINE__, "The offset attribute (%04X,%04X) at offset %u holds no number.",
-          group_, element_, where);
+    Raise(kUnit, __LINE__, "The offset attribute (%04X,%04X) at offset %u holds no number.", group_,
+          element_, where);
   }
   return number_;
 }

@@ -5,9 +5,8 @@
 #include <utility>
 
 #include "engine/elements/DicomData.h"
-#include "engine/elements/UnsignedIntegerVR.h"
-#include "engine/elements/UnsignedShortVR.h"
 #include "engine/elements/VRBinary.h"
+#include "engine/elements/VRNumeric.h"
 #include "engine/elements/VRSequence.h"
 #include "support/MyException.h"
 #include "support/Utilities.h"

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "engine/elements/UnsignedIntegerVR.h"
-#include "engine/elements/UnsignedShortVR.h"
+#include "engine/elements/VRNumeric.h"
 #include "platform/BString.h"
 #include "support/TextConversion.h"
 #include "support/Utilities.h"

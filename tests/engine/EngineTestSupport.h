@@ -15,13 +15,9 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/elements/DoubleVR.h"
-#include "engine/elements/IntegerVR.h"
-#include "engine/elements/SignedShortVR.h"
-#include "engine/elements/UnsignedIntegerVR.h"
-#include "engine/elements/UnsignedShortVR.h"
 #include "engine/elements/VRAttributeTag.h"
 #include "engine/elements/VRBinarySequenceItem.h"
+#include "engine/elements/VRNumeric.h"
 #include "engine/elements/VRSequence.h"
 #include "engine/elements/VRSequenceItem.h"
 #include "engine/elements/VRUniqueIdentifier.h"

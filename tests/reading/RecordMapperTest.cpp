@@ -10,7 +10,7 @@
 
 #include "RaisedMessage.h"
 #include "ReadingTestSupport.h"
-#include "engine/elements/UnsignedIntegerVR.h"
+#include "engine/elements/VRNumeric.h"
 #include "engine/elements/VRSequenceItem.h"
 #include "engine/elements/VRString.h"
 #include "service/ModuleLock.h"

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "engine/elements/UnsignedIntegerVR.h"
+#include "engine/elements/VRNumeric.h"
 #include "support/MyException.h"
 
 namespace DicomEngine {

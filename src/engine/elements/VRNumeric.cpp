@@ -22,15 +22,37 @@ std::string FormatValue(Number value) {
   }
 }
 
+// One number at the width of its code: 16 bits for SS and US, a float for FL, a double for FD,
+// else 32 bits.
+template <typename Number>
+void WriteNumber(BufferWriter& writer, std::string_view code, Number value) {
+  if (code == "SS" || code == "US") {
+    writer.WriteUnsignedShort(static_cast<std::uint16_t>(value));
+  } else if (code == "FL") {
+    writer.WriteFloat(static_cast<float>(value));
+  } else if (code == "FD") {
+    writer.WriteDouble(static_cast<double>(value));
+  } else {
+    writer.WriteUnsignedLong(static_cast<std::uint32_t>(value));
+  }
+}
+
 }  // namespace
 
-template <typename Number>
-VRNumeric<Number>::VRNumeric(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement,
-                             std::uint32_t declaredLength, NumberList<Number> numbers)
+template <typename Number, std::uint16_t... kCodes>
+VRNumeric<Number, kCodes...>::VRNumeric(VRCode code, std::uint16_t tagGroup,
+                                        std::uint16_t tagElement, std::uint32_t declaredLength,
+                                        NumberList<Number> numbers)
     : VR(code, tagGroup, tagElement, declaredLength), values(std::move(numbers)) {}
 
-template <typename Number>
-std::string VRNumeric<Number>::ToString() const {
+template <typename Number, std::uint16_t... kCodes>
+VRNumeric<Number, kCodes...>::VRNumeric(VRCode code, std::uint16_t tagGroup,
+                                        std::uint16_t tagElement, std::uint32_t declaredLength,
+                                        Number value)
+    : VRNumeric(code, tagGroup, tagElement, declaredLength, NumberList<Number>{value}) {}
+
+template <typename Number, std::uint16_t... kCodes>
+std::string VRNumeric<Number, kCodes...>::ToString() const {
   std::string text = VR::ToString();
   for (const Number value : values) {
     text += FormatValue(value);
@@ -39,10 +61,17 @@ std::string VRNumeric<Number>::ToString() const {
   return text;
 }
 
-template class VRNumeric<std::int16_t>;
-template class VRNumeric<std::uint16_t>;
-template class VRNumeric<std::int32_t>;
-template class VRNumeric<std::uint32_t>;
-template class VRNumeric<double>;
+template <typename Number, std::uint16_t... kCodes>
+void VRNumeric<Number, kCodes...>::WriteValue(BufferWriter& writer) {
+  const std::string_view code = vrCode.View();
+  if (code.size() != 2 || ((CodeNumber(code) != kCodes) && ...)) return;
+  for (const Number value : values) WriteNumber(writer, code, value);
+}
+
+template class VRNumeric<std::int32_t, CodeNumber("SL")>;
+template class VRNumeric<std::uint32_t, CodeNumber("UL")>;
+template class VRNumeric<std::int16_t, CodeNumber("SS")>;
+template class VRNumeric<std::uint16_t, CodeNumber("US")>;
+template class VRNumeric<double, CodeNumber("FL"), CodeNumber("FD")>;
 
 }  // namespace DicomEngine

@@ -8,7 +8,7 @@
 
 #include "RaisedMessage.h"
 #include "engine/elements/DicomData.h"
-#include "engine/elements/UnsignedIntegerVR.h"
+#include "engine/elements/VRNumeric.h"
 #include "engine/elements/VRString.h"
 #include "engine/encoding/HexText.h"
 #include "support/MyException.h"
