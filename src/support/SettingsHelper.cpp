@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "platform/ModulePath.h"
+#include "support/ComponentStatic.h"
 #include "support/MyException.h"
 
 namespace halvorine {
@@ -10,16 +11,15 @@ namespace {
 
 constexpr char kUnit[] = "SettingsHelper";
 
-SettingsHelper& ProcessSettings() {
-  static SettingsHelper* const settings = new SettingsHelper;
-  return *settings;
-}
+SettingsHelper& ProcessSettings() { return ComponentStatic<SettingsHelper>(); }
 
 }  // namespace
 
 void SettingsHelper::LoadSettings(const std::string& name) { ProcessSettings().Load(name); }
 
-std::string SettingsHelper::GetSetting(const std::string& key) { return ProcessSettings().Get(key); }
+std::string SettingsHelper::GetSetting(const std::string& key) {
+  return ProcessSettings().Get(key);
+}
 
 void SettingsHelper::Load(const std::string& name) {
   if (name.empty()) Raise(kUnit, __LINE__, "The settings file name is NULL or empty.");

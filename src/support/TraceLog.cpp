@@ -5,6 +5,7 @@
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
 #include "platform/ModulePath.h"
+#include "support/ComponentStatic.h"
 #include "support/MyException.h"
 #include "support/TextConversion.h"
 
@@ -40,9 +41,9 @@ void TraceLog::Trace(std::string_view text, int level) {
     std::lock_guard<std::mutex> guard(lock_);
     if (level > static_cast<std::int64_t>(level_) || !file_.IsOpen()) return;
     const SystemTime now = LocalNow();
-    const std::string stamp = FormatBounded(32, "%04d-%02d-%02dT%02d:%02d:%02d:%03d", now.year,
-                                            now.month, now.day, now.hour, now.minute, now.second,
-                                            now.milliseconds);
+    const std::string stamp =
+        FormatBounded(32, "%04d-%02d-%02dT%02d:%02d:%02d:%03d", now.year, now.month, now.day,
+                      now.hour, now.minute, now.second, now.milliseconds);
     std::string line;
     line.reserve(text.size() + 40);
     line.append(">>> ").append(stamp).append(" --- ").append(text).append("\r\n");
@@ -52,9 +53,6 @@ void TraceLog::Trace(std::string_view text, int level) {
   }
 }
 
-TraceLog& GetTraceLog() {
-  static TraceLog* const log = new TraceLog;
-  return *log;
-}
+TraceLog& GetTraceLog() { return ComponentStatic<TraceLog>(); }
 
 }  // namespace halvorine

@@ -1,5 +1,6 @@
 #include "writing/ViewerPackage.h"
 
+#include "support/ComponentStatic.h"
 #include "support/MyException.h"
 #include "writing/WritingCommon.h"
 
@@ -9,8 +10,7 @@ namespace {
 constexpr std::size_t kCopyFailureBufferSize = 2048;
 
 std::vector<ViewerFileEntry>& ViewerFileList() {
-  static std::vector<ViewerFileEntry>* const list = new std::vector<ViewerFileEntry>;
-  return *list;
+  return ComponentStatic<std::vector<ViewerFileEntry>>();
 }
 
 }  // namespace

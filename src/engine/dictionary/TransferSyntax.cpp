@@ -1,5 +1,6 @@
 #include "engine/dictionary/TransferSyntax.h"
 
+#include "support/ComponentStatic.h"
 #include "support/Utilities.h"
 
 namespace DicomEngine {
@@ -40,10 +41,7 @@ TransferSyntax::TransferSyntax()
       } {}
 
 const TransferSyntax& TransferSyntax::GetInstance() {
-  // Never destroyed, so that no user meets a dead table at exit; the static's initialisation
-  // is what makes two first calls on two threads safe.
-  static const TransferSyntax* const instance = new TransferSyntax;
-  return *instance;
+  return halvorine::ComponentStatic<TransferSyntax>();
 }
 
 const SyntaxRecord* TransferSyntax::Find(std::string_view uid) const {

@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "support/ComponentStatic.h"
+
 namespace DicomEngine {
 
 inline constexpr std::uint32_t kLittleEndian = 1;
@@ -41,7 +43,7 @@ class TransferSyntax {
   static const TransferSyntax& GetInstance();
 
   // The record of the UID with blanks (and only blanks) trimmed from both ends, or null for an
-  // unknown or empty UID. The pointer stays valid for the life of the process.
+  // unknown or empty UID. The pointer stays valid as long as the component is loaded.
   const SyntaxRecord* Find(std::string_view uid) const;
 
   // The uncompressed syntax with the record's byte order and VR form, worked out from the fields
@@ -49,6 +51,7 @@ class TransferSyntax {
   static std::string GetUid(SyntaxRecord record);
 
  private:
+  friend TransferSyntax& halvorine::ComponentStatic<TransferSyntax>();
   TransferSyntax();
 
   const std::map<std::string, SyntaxRecord, std::less<>> records_;
