@@ -32,8 +32,8 @@ HRESULT CallExport(const char* name) {
 
 // The component is loaded only while in use, and the error records that it leaves are the host's.
 TEST(ComponentServerTest, MakesAClassByNameKeepsTheComponentWhileInUseAndSharesItsErrorRecords) {
-  // Whether the loader unloads the component at all once its last handle goes: a build whose
-  // library holds STB_GNU_UNIQUE symbols (g++ without optimisation) stays loaded to the end of the
+  // Whether the loader unloads the component at all once its last handle goes: a library that
+  // holds STB_GNU_UNIQUE symbols (g++ without -fno-gnu-unique) stays loaded to the end of the
   // process, whatever the runtime does. Decided while nothing of the component is loaded yet.
   dlclose(dlopen(DICOMDIR_LIBRARY, RTLD_NOW | RTLD_LOCAL));
   const bool loaderUnloads = !IsLoaded();
