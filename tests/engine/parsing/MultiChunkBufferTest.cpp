@@ -66,6 +66,22 @@ TEST(MultiChunkBufferTest, CopiesEveryRangeWhateverTheHint) {
   }
 }
 
+// What a reader has passed it lets go of: the offsets stay, and another copy keeps every byte.
+TEST(MultiChunkBufferTest, ReleasedChunksKeepTheirOffsetsAndOtherCopiesTheirBytes) {
+  const std::string flat = "abcdefghij";
+  const MultiChunkBuffer kept = DicomEngine::Chunked(flat, {3, 6});
+  MultiChunkBuffer released = kept;
+  released.ReleaseBefore(2);
+  EXPECT_EQ(released.GetLength(), flat.size());
+  std::string tail(4, '\0');
+  std::string whole(flat.size(), '\0');
+  std::size_t hint = 0;
+  ASSERT_TRUE(released.CopyOut(6, reinterpret_cast<std::uint8_t*>(tail.data()), 4, &hint));
+  EXPECT_EQ(tail, "ghij");
+  ASSERT_TRUE(kept.CopyOut(0, reinterpret_cast<std::uint8_t*>(whole.data()), 10, &hint));
+  EXPECT_EQ(whole, flat);
+}
+
 // The rest of the file from where the stream stands, in chunks of 16 KiB; a multiple of the chunk
 // size ends with one empty chunk. A failed read is traced, and the stream is closed either way.
 TEST(MultiChunkBufferTest, ReadsTheRestOfTheFileInChunksAndClosesIt) {
