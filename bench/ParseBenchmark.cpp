@@ -31,15 +31,6 @@ constexpr std::uint32_t kTargetFileSize = 50'000'000;
 // About the size of an IMAGE record below, item header included, in explicit VR.
 constexpr std::uint32_t kRecordSize = 230;
 
-std::unique_ptr<VR> Text(VRCode code, std::uint16_t group, std::uint16_t element,
-                         std::string value) {
-  const auto length = static_cast<std::uint32_t>(value.size());
-  if (code == "UI") {
-    return std::make_unique<VRUniqueIdentifier>(code, group, element, length, std::move(value));
-  }
-  return std::make_unique<VRString>(code, group, element, length, std::move(value));
-}
-
 std::unique_ptr<VR> ImageRecord(std::uint32_t index) {
   auto record = std::make_unique<VRSequenceItem>("", kItemGroup, kItem, 0);
   const std::string number = std::to_string(index);
@@ -47,20 +38,20 @@ std::unique_ptr<VR> ImageRecord(std::uint32_t index) {
   record->Append(std::make_unique<UnsignedShortVR>("US", 0x0004, 0x1410, 2, std::uint16_t{0xFFFF}),
                  true);
   record->Append(std::make_unique<UnsignedIntegerVR>("UL", 0x0004, 0x1420, 4, 0u), true);
-  record->Append(Text("CS", 0x0004, 0x1430, "IMAGE"), true);
-  record->Append(Text("CS", 0x0004, 0x1500, "DICOM\\PA0\\ST0\\SE0\\IM" + number), true);
-  record->Append(Text("UI", 0x0004, 0x1510, "1.2.840.10008.5.1.4.1.1.7"), true);
-  record->Append(Text("UI", 0x0004, 0x1511, "1.3.6.1.4.1.58217.2024.3.9.12." + number), true);
-  record->Append(Text("UI", 0x0004, 0x1512, "1.2.840.10008.1.2.1"), true);
-  record->Append(Text("DA", 0x0008, 0x0023, "20240309"), true);
-  record->Append(Text("IS", 0x0020, 0x0013, std::to_string(index % 1000)), true);
+  record->Append(MakeText("CS", 0x0004, 0x1430, "IMAGE"), true);
+  record->Append(MakeText("CS", 0x0004, 0x1500, "DICOM\\PA0\\ST0\\SE0\\IM" + number), true);
+  record->Append(MakeText("UI", 0x0004, 0x1510, "1.2.840.10008.5.1.4.1.1.7"), true);
+  record->Append(MakeText("UI", 0x0004, 0x1511, "1.3.6.1.4.1.58217.2024.3.9.12." + number), true);
+  record->Append(MakeText("UI", 0x0004, 0x1512, "1.2.840.10008.1.2.1"), true);
+  record->Append(MakeText("DA", 0x0008, 0x0023, "20240309"), true);
+  record->Append(MakeText("IS", 0x0020, 0x0013, std::to_string(index % 1000)), true);
   return record;
 }
 
 void WriteDirectory(const std::string& path, SyntaxRecord syntax) {
   DicomData data(true);
-  data.Insert(Text("UI", 0x0002, 0x0002, "1.2.840.10008.1.3.10"));
-  data.Insert(Text("CS", 0x0004, 0x1130, "BENCHMARK"));
+  data.Insert(MakeText("UI", 0x0002, 0x0002, "1.2.840.10008.1.3.10"));
+  data.Insert(MakeText("CS", 0x0004, 0x1130, "BENCHMARK"));
   auto records = std::make_unique<VRSequence>("SQ", 0x0004, 0x1220, 0);
   for (std::uint32_t index = 0; index < kTargetFileSize / kRecordSize; ++index) {
     records->Append(ImageRecord(index), false);

@@ -34,17 +34,7 @@ inline std::string JoinPath(std::string_view parent, std::string_view name) {
   return path;
 }
 
-// A text element whose length is its text's; "UI" pads with a NUL at encoding, any other code
-// with a blank.
-inline std::unique_ptr<DicomEngine::VR> MakeText(DicomEngine::VRCode code, std::uint16_t group,
-                                                 std::uint16_t element, std::string value) {
-  const auto length = static_cast<std::uint32_t>(value.size());
-  if (code == "UI") {
-    return std::make_unique<DicomEngine::VRUniqueIdentifier>(code, group, element, length,
-                                                             std::move(value));
-  }
-  return std::make_unique<DicomEngine::VRString>(code, group, element, length, std::move(value));
-}
+using DicomEngine::MakeText;
 
 }  // namespace halvorine
 

@@ -47,16 +47,6 @@ inline halvorine::MultiChunkBuffer Chunked(std::string_view bytes, std::vector<s
   return buffer;
 }
 
-// A UI element for the code UI, else a plain text of the value's own length.
-inline std::unique_ptr<VR> Text(VRCode code, std::uint16_t group, std::uint16_t element,
-                                std::string value) {
-  const auto length = static_cast<std::uint32_t>(value.size());
-  if (code == "UI") {
-    return std::make_unique<VRUniqueIdentifier>(code, group, element, length, std::move(value));
-  }
-  return std::make_unique<VRString>(code, group, element, length, std::move(value));
-}
-
 inline std::unique_ptr<VR> Binary(VRCode code, std::uint16_t group, std::uint16_t element,
                                   const Bytes& bytes) {
   return std::make_unique<VRBinary>(code, group, element, static_cast<std::uint32_t>(bytes.size()),

@@ -3,6 +3,7 @@
 #define HALVORINE_ENGINE_ELEMENTS_VRUNIQUEIDENTIFIER_H
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "engine/elements/VRString.h"
@@ -17,6 +18,11 @@ class VRUniqueIdentifier final : public VRString {
   // Makes the length even, then writes the text up to its first NUL, filled with NUL bytes.
   void WriteValue(BufferWriter& writer) override;
 };
+
+// A text element whose length is its text's: a VRUniqueIdentifier for "UI", which pads with a
+// NUL, else a VRString, which pads with a blank.
+std::unique_ptr<VR> MakeText(VRCode code, std::uint16_t group, std::uint16_t element,
+                             std::string value);
 
 }  // namespace DicomEngine
 

@@ -21,28 +21,28 @@ namespace {
 TEST(FileWriterDcmtkTest, EveryElementClassInAnExplicitFile) {
   DicomData data(true);
   data.Insert(Binary("OB", 0x0002, 0x0001, {0x00, 0x01}));
-  data.Insert(Text("CS", 0x0004, 0x1130, ""));
+  data.Insert(MakeText("CS", 0x0004, 0x1130, ""));
   data.Insert(std::make_unique<UnsignedIntegerVR>("UL", 0x0004, 0x1200, 4, 232u));
   data.Insert(SequenceOf(
       "SQ", 0x0004, 0x1220, 0,
       ItemOf(0, std::make_unique<UnsignedIntegerVR>("UL", 0x0004, 0x1400, 4, 0u),
              std::make_unique<UnsignedIntegerVR>("UL", 0x0004, 0x1420, 4, 296u),
-             Text("CS", 0x0004, 0x1430, "PATIENT"), Text("PN", 0x0010, 0x0010, "Doe^John")),
-      ItemOf(0, Text("CS", 0x0004, 0x1430, "STUDY"), Text("DA", 0x0008, 0x0020, "20240309"),
+             MakeText("CS", 0x0004, 0x1430, "PATIENT"), MakeText("PN", 0x0010, 0x0010, "Doe^John")),
+      ItemOf(0, MakeText("CS", 0x0004, 0x1430, "STUDY"), MakeText("DA", 0x0008, 0x0020, "20240309"),
              SequenceOf("SQ", 0x0008, 0x1110, 0,
-                        ItemOf(0, Text("UI", 0x0008, 0x1150, "1.2.840.10008.5.1.4.1.1.7"))))));
-  data.Insert(Text("CS", 0x0008, 0x0060, "OT"));
-  data.Insert(Text("LO", 0x0008, 0x1030, "Head\\Neck"));
-  data.Insert(
-      SequenceOf("SQ", 0x0008, 0x1115, kUndefinedLength,
-                 ItemOf(kUndefinedLength,
-                        SequenceOf("SQ", 0x0008, 0x1140, kUndefinedLength,
-                                   ItemOf(kUndefinedLength, Text("UI", 0x0008, 0x1155, "1.2.3.4.5"),
-                                          Delimiter(kItemDelimiter)),
-                                   Delimiter(kSequenceDelimiter)),
-                        Text("UI", 0x0020, 0x000E, "1.2.3.4"), Delimiter(kItemDelimiter)),
-                 Delimiter(kSequenceDelimiter)));
-  data.Insert(Text("LO", 0x0009, 0x0010, "HALVORINE"));
+                        ItemOf(0, MakeText("UI", 0x0008, 0x1150, "1.2.840.10008.5.1.4.1.1.7"))))));
+  data.Insert(MakeText("CS", 0x0008, 0x0060, "OT"));
+  data.Insert(MakeText("LO", 0x0008, 0x1030, "Head\\Neck"));
+  data.Insert(SequenceOf(
+      "SQ", 0x0008, 0x1115, kUndefinedLength,
+      ItemOf(kUndefinedLength,
+             SequenceOf("SQ", 0x0008, 0x1140, kUndefinedLength,
+                        ItemOf(kUndefinedLength, MakeText("UI", 0x0008, 0x1155, "1.2.3.4.5"),
+                               Delimiter(kItemDelimiter)),
+                        Delimiter(kSequenceDelimiter)),
+             MakeText("UI", 0x0020, 0x000E, "1.2.3.4"), Delimiter(kItemDelimiter)),
+      Delimiter(kSequenceDelimiter)));
+  data.Insert(MakeText("LO", 0x0009, 0x0010, "HALVORINE"));
   data.Insert(Binary("UN", 0x0009, 0x1001, {0x01, 0x02}));
   data.Insert(std::make_unique<DoubleVR>("FL", 0x0018, 0x2043, 8, std::vector<double>{1.5, -2}));
   data.Insert(
@@ -54,7 +54,7 @@ TEST(FileWriterDcmtkTest, EveryElementClassInAnExplicitFile) {
       "AT", 0x0028, 0x0009, 8, std::vector<AttributeTag>{{0x0018, 0x1063}, {0x7FE0, 0x0010}}));
   data.Insert(std::make_unique<UnsignedShortVR>("US", 0x0028, 0x0010, 2, 64));
   data.Insert(Binary("OW", 0x0028, 0x1201, {0x01, 0x02, 0x03, 0x04}));
-  data.Insert(Text("UT", 0x0040, 0xA160, "Some text"));
+  data.Insert(MakeText("UT", 0x0040, 0xA160, "Some text"));
   data.Insert(SequenceOf("OB", 0x7FE0, 0x0010, kUndefinedLength, Fragment({}),
                          Fragment({0xFF, 0xD8, 0xFF, 0xD9}), Fragment({0x01, 0x02}),
                          Delimiter(kSequenceDelimiter)));

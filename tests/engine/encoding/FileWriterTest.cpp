@@ -26,7 +26,7 @@ using halvorine::ToWide;
 constexpr char kImplicitUid[] = "1.2.840.10008.1.2";
 constexpr char kExplicitUid[] = "1.2.840.10008.1.2.1";
 
-std::unique_ptr<VR> Uid(const std::string& uid) { return Text("UI", 0x0002, 0x0010, uid); }
+std::unique_ptr<VR> Uid(const std::string& uid) { return MakeText("UI", 0x0002, 0x0010, uid); }
 
 TEST(FileWriterTest, WriteDataSetTakesItsSyntaxFromTheTransferSyntaxUid) {
   const struct {
@@ -59,7 +59,7 @@ TEST(FileWriterTest, WriteDataSetTakesItsSyntaxFromTheTransferSyntaxUid) {
 TEST(FileWriterTest, AnImplicitDataSetGoesBehindTheStreamWithItsMetaGroupExplicit) {
   DicomData data(false);
   data.Append(Uid(kImplicitUid), true);
-  data.Append(Text("CS", 0x0008, 0x0060, "OT"), true);
+  data.Append(MakeText("CS", 0x0008, 0x0060, "OT"), true);
   data.Append(SequenceOf("SQ", 0x0008, 0x1115, 0, ItemOf(0)), true);
   FileWriter writer;
   writer.WriteUnsignedShort(0xFFFF);
