@@ -26,6 +26,8 @@ __attribute__((destructor)) void FreeHeldObjects() {
 }  // namespace
 
 void FreeAtUnload(void* object, void (*destroy)(void*)) {
+  // Once unloading has begun, a late object just stays.
+  if (heldLock == nullptr) return;
   const std::lock_guard<std::mutex> hold(*heldLock);
   held->push_back(Held{object, destroy});
 }

@@ -9,6 +9,7 @@
 #include <initializer_list>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace DicomEngine {
@@ -24,6 +25,15 @@ class NumberList {
   NumberList(const NumberList& other) { Assign(other.data(), other.size()); }
   NumberList& operator=(const NumberList& other) {
     if (this != &other) Assign(other.data(), other.size());
+    return *this;
+  }
+  // A moved-from list is empty.
+  NumberList(NumberList&& other) noexcept
+      : one_(other.one_), size_(std::exchange(other.size_, 0)), many_(std::move(other.many_)) {}
+  NumberList& operator=(NumberList&& other) noexcept {
+    one_ = other.one_;
+    size_ = std::exchange(other.size_, 0);
+    many_ = std::move(other.many_);
     return *this;
   }
 
