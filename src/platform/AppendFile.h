@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/FileDescriptor.h"
+
 namespace halvorine {
 
 // A file that is only ever appended to: created when missing, never truncated, and each
@@ -11,18 +13,15 @@ namespace halvorine {
 class AppendFile {
  public:
   AppendFile() = default;
-  AppendFile(const AppendFile&) = delete;
-  AppendFile& operator=(const AppendFile&) = delete;
-  ~AppendFile();
 
   // Gives false, and stays closed, when the file can't be opened or created.
   bool Open(const std::string& path);
-  bool IsOpen() const { return fd_ >= 0; }
+  bool IsOpen() const { return fd_.get() >= 0; }
   // One write call; a failed or short write is not reported.
   void Append(std::string_view text);
 
  private:
-  int fd_ = -1;
+  FileDescriptor fd_;
 };
 
 }  // namespace halvorine

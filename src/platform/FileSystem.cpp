@@ -7,22 +7,10 @@
 #include <cerrno>
 #include <cstddef>
 
+#include "platform/FileDescriptor.h"
+
 namespace halvorine {
 namespace {
-
-class FileDescriptor {
- public:
-  explicit FileDescriptor(int fd) : fd_(fd) {}
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  ~FileDescriptor() {
-    if (fd_ >= 0) close(fd_);
-  }
-  int get() const { return fd_; }
-
- private:
-  int fd_;
-};
 
 // Plain reads and writes, for file systems where the kernel's copy paths don't apply.
 int CopyByReading(int from, int to) {

@@ -11,26 +11,12 @@
 #include <filesystem>
 #include <utility>
 
+#include "platform/FileDescriptor.h"
+
 namespace halvorine {
 namespace {
 
 constexpr mode_t kNewFileMode = 0644;
-
-class UniqueFd {
- public:
-  explicit UniqueFd(int fd) : fd_(fd) {}
-  UniqueFd(const UniqueFd&) = delete;
-  UniqueFd& operator=(const UniqueFd&) = delete;
-  ~UniqueFd() {
-    if (fd_ >= 0) close(fd_);
-  }
-  int get() const { return fd_; }
-  // Closes now, so that a failing close can be seen.
-  bool Close() { return close(std::exchange(fd_, -1)) == 0; }
-
- private:
-  int fd_;
-};
 
 std::string Cause(const std::string& path, const char* what) {
   return "The registry file " + path + " can't be " + what + ": " + std::strerror(errno);
@@ -74,7 +60,8 @@ bool MakeFolderOf(const std::string& path) {
 // Syncs the folder of path, so that a rename in it survives a crash of the machine.
 void SyncFolderOf(const std::string& path) {
   const std::string folder = std::filesystem::path(path).parent_path().string();
-  UniqueFd fd(open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  FileDescriptor fd(
+      open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (fd.get() >= 0) fsync(fd.get());
 }
 
@@ -95,7 +82,7 @@ std::string RegistryFile::DefaultPath() {
 HRESULT RegistryFile::Read(RegistryContent* content, std::string* problem) const {
   *content = RegistryContent();
   if (path_.empty()) return S_OK;
-  UniqueFd fd(open(path_.c_str(), O_RDONLY | O_CLOEXEC));
+  FileDescriptor fd(open(path_.c_str(), O_RDONLY | O_CLOEXEC));
   if (fd.get() < 0 && errno == ENOENT) return S_OK;
   std::string text;
   if (fd.get() < 0 || !ReadAll(fd.get(), &text)) {
@@ -121,7 +108,7 @@ HRESULT RegistryFile::Update(const std::function<HRESULT(RegistryContent&)>& cha
     return REGDB_E_WRITEREGDB;
   }
   const std::string lockPath = path_ + ".lock";
-  UniqueFd lock(open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+  FileDescriptor lock(open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
   if (lock.get() < 0 || !LockExclusively(lock.get())) {
     *problem = Cause(path_, "locked");
     return REGDB_E_WRITEREGDB;
@@ -138,7 +125,7 @@ HRESULT RegistryFile::Replace(const std::string& text, std::string* problem) con
   struct stat former {};
   const mode_t mode = stat(path_.c_str(), &former) == 0 ? former.st_mode & 07777 : kNewFileMode;
   std::string temporary = path_ + ".XXXXXX";
-  UniqueFd fd(mkostemp(temporary.data(), O_CLOEXEC));
+  FileDescriptor fd(mkostemp(temporary.data(), O_CLOEXEC));
   if (fd.get() < 0) {
     *problem = Cause(path_, "written");
     return REGDB_E_WRITEREGDB;
