@@ -141,16 +141,16 @@ std::string RecordMapper::ReadRecordType(const RecordValues& record) {
   return std::string(*type);
 }
 
-BString RecordMapper::ReadStringAttribute(const RecordValues& record, std::uint16_t group,
-                                          std::uint16_t element) {
+BSTR RecordMapper::ReadStringAttribute(const RecordValues& record, std::uint16_t group,
+                                       std::uint16_t element) {
   const std::optional<std::string_view> text = ReadText(record, group, element);
-  return text ? ToWideBString(*text) : BString();
+  return text ? scratch_.Widen(*text) : nullptr;
 }
 
 ComPtr<IUnknown> RecordMapper::MakePatient(const RecordValues& record) {
   auto patient = Create<IDicomDirPatient>(creators_.patient, IID_IDicomDirPatient);
-  Check(patient->SetDicomPatName(ReadStringAttribute(record, 0x0010, 0x0010).get()), __LINE__);
-  Check(patient->SetPatientID(ReadStringAttribute(record, 0x0010, 0x0020).get()), __LINE__);
+  Check(patient->SetDicomPatName(ReadStringAttribute(record, 0x0010, 0x0010)), __LINE__);
+  Check(patient->SetPatientID(ReadStringAttribute(record, 0x0010, 0x0020)), __LINE__);
   return AsUnknown(std::move(patient));
 }
 
@@ -158,18 +158,18 @@ ComPtr<IUnknown> RecordMapper::MakeStudy(const RecordValues& record) {
   auto study = Create<IDicomDirStudy>(creators_.study, IID_IDicomDirStudy);
   // The date's status is not looked at: 0.0 stands for no date.
   study->SetStudyDate(ReadStudyDate(record));
-  Check(study->SetAccessionNr(ReadStringAttribute(record, 0x0008, 0x0050).get()), __LINE__);
-  Check(study->SetStudyDescription(ReadStringAttribute(record, 0x0008, 0x1030).get()), __LINE__);
-  Check(study->SetInstitution(ReadStringAttribute(record, 0x0008, 0x0080).get()), __LINE__);
-  Check(study->SetStudyInstUID(ReadStringAttribute(record, 0x0020, 0x000D).get()), __LINE__);
-  Check(study->SetStudyID(ReadStringAttribute(record, 0x0020, 0x0010).get()), __LINE__);
+  Check(study->SetAccessionNr(ReadStringAttribute(record, 0x0008, 0x0050)), __LINE__);
+  Check(study->SetStudyDescription(ReadStringAttribute(record, 0x0008, 0x1030)), __LINE__);
+  Check(study->SetInstitution(ReadStringAttribute(record, 0x0008, 0x0080)), __LINE__);
+  Check(study->SetStudyInstUID(ReadStringAttribute(record, 0x0020, 0x000D)), __LINE__);
+  Check(study->SetStudyID(ReadStringAttribute(record, 0x0020, 0x0010)), __LINE__);
   return AsUnknown(std::move(study));
 }
 
 ComPtr<IUnknown> RecordMapper::MakeSeries(const RecordValues& record) {
   auto series = Create<IDicomDirSeries>(creators_.series, IID_IDicomDirSeries);
-  Check(series->SetModality(ReadStringAttribute(record, 0x0008, 0x0060).get()), __LINE__);
-  Check(series->SetSeriesInstUID(ReadStringAttribute(record, 0x0020, 0x000E).get()), __LINE__);
+  Check(series->SetModality(ReadStringAttribute(record, 0x0008, 0x0060)), __LINE__);
+  Check(series->SetSeriesInstUID(ReadStringAttribute(record, 0x0020, 0x000E)), __LINE__);
   if (const std::optional<int> number = ReadNumber(record, 0x0020, 0x0011)) {
     Check(series->SetSeriesNumber(static_cast<SHORT>(*number)), __LINE__);
   }
@@ -178,9 +178,9 @@ ComPtr<IUnknown> RecordMapper::MakeSeries(const RecordValues& record) {
 
 ComPtr<IUnknown> RecordMapper::MakeImage(const RecordValues& record, std::uint32_t offset) {
   auto image = Create<IDicomDirImage>(creators_.image, IID_IDicomDirImage);
-  Check(image->SetImageFilename(ImagePath(record, offset).get()), __LINE__);
-  Check(image->SetSOPClassUID(ReadStringAttribute(record, 0x0004, 0x1510).get()), __LINE__);
-  Check(image->SetSOPInstanceUID(ReadStringAttribute(record, 0x0004, 0x1511).get()), __LINE__);
+  Check(image->SetImageFilename(ImagePath(record, offset)), __LINE__);
+  Check(image->SetSOPClassUID(ReadStringAttribute(record, 0x0004, 0x1510)), __LINE__);
+  Check(image->SetSOPInstanceUID(ReadStringAttribute(record, 0x0004, 0x1511)), __LINE__);
   if (const std::optional<int> number = ReadNumber(record, 0x0020, 0x0013)) {
     Check(image->SetInstanceNumber(static_cast<LONGLONG>(*number)), __LINE__);
   }
@@ -188,9 +188,9 @@ ComPtr<IUnknown> RecordMapper::MakeImage(const RecordValues& record, std::uint32
 }
 
 // A missing File ID leaves the folder and a separator.
-BString RecordMapper::ImagePath(const RecordValues& record, std::uint32_t offset) {
+BSTR RecordMapper::ImagePath(const RecordValues& record, std::uint32_t offset) {
   const std::optional<std::string_view> fileId = ReadText(record, 0x0004, 0x1500);
-  if (!fileId) return ToWideBString(folder_ + '/');
+  if (!fileId) return scratch_.Widen(folder_ + '/');
   const auto components = ImagePathResolver::SplitFileId(*fileId);
   if (!components) {
     Raise(kUnit, __LINE__,
@@ -198,7 +198,7 @@ BString RecordMapper::ImagePath(const RecordValues& record, std::uint32_t offset
           "folder.",
           std::string(*fileId).c_str(), offset);
   }
-  return ToWideBString(paths_.Resolve(*components));
+  return scratch_.Widen(paths_.Resolve(*components));
 }
 
 void RecordMapper::LinkChildren(IUnknown* parent, RecordLevel level, std::uint32_t offset,

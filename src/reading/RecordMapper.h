@@ -15,6 +15,7 @@
 #include "platform/SafeArrayPtr.h"
 #include "reading/ImagePathResolver.h"
 #include "reading/RecordValues.h"
+#include "support/TextConversion.h"
 
 namespace halvorine {
 
@@ -58,21 +59,21 @@ class RecordMapper {
 
   // The value of (0004,1430), untrimmed.
   static std::string ReadRecordType(const RecordValues& record);
-  // Null when the element is missing, isn't a text or is empty.
-  static BString ReadStringAttribute(const RecordValues& record, std::uint16_t group,
-                                     std::uint16_t element);
 
  private:
+  // Null when the element is missing, isn't a text or is empty; else valid until the next call.
+  BSTR ReadStringAttribute(const RecordValues& record, std::uint16_t group, std::uint16_t element);
   ComPtr<IUnknown> MakePatient(const RecordValues& record);
   ComPtr<IUnknown> MakeStudy(const RecordValues& record);
   ComPtr<IUnknown> MakeSeries(const RecordValues& record);
   ComPtr<IUnknown> MakeImage(const RecordValues& record, std::uint32_t offset);
-  BString ImagePath(const RecordValues& record, std::uint32_t offset);
+  BSTR ImagePath(const RecordValues& record, std::uint32_t offset);
   void LinkChildren(IUnknown* parent, RecordLevel level, std::uint32_t offset, ChildList& children);
 
   RecordCreators creators_;
   std::string folder_;
   ImagePathResolver paths_;
+  BStringScratch scratch_;
 };
 
 }  // namespace halvorine

@@ -1,6 +1,8 @@
 #include "support/TextConversion.h"
 
-#include <iterator>
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 #include "platform/TextCodec.h"
 
@@ -10,18 +12,19 @@ std::u16string ToWide(std::string_view text) {
   return Utf8ToUtf16(text.substr(0, text.find('\0')));
 }
 
-BString ToWideBString(std::string_view text) {
+BSTR BStringScratch::Widen(std::string_view text) {
   text = text.substr(0, text.find('\0'));
-  // Short ASCII, the usual case, widens on the stack in one pass.
-  char16_t wide[256];
-  if (text.size() <= std::size(wide)) {
-    std::size_t at = 0;
-    for (; at < text.size() && static_cast<unsigned char>(text[at]) < 0x80; ++at) {
-      wide[at] = static_cast<char16_t>(text[at]);
-    }
-    if (at == text.size()) return BString::Copy(std::u16string_view(wide, at));
+  buffer_.assign(2, u'\0');
+  // ASCII, the usual case, widens in place with no text in between.
+  if (std::all_of(text.begin(), text.end(),
+                  [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+    buffer_.append(text.begin(), text.end());
+  } else {
+    buffer_ += Utf8ToUtf16(text);
   }
-  return BString::Copy(std::u16string_view(ToWide(text)));
+  const auto bytes = static_cast<std::uint32_t>((buffer_.size() - 2) * sizeof(char16_t));
+  std::memcpy(buffer_.data(), &bytes, sizeof bytes);
+  return buffer_.data() + 2;
 }
 
 std::string ToNarrow(const char16_t* text) {
