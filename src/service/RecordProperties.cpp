@@ -8,10 +8,11 @@ HRESULT GetText(const BString& field, BSTR* out) {
   return (*out == nullptr && !field.IsNull()) ? E_OUTOFMEMORY : S_OK;
 }
 
-HRESULT SetText(BString& field, const OLECHAR* value) {
+HRESULT SetText(BString* field, const OLECHAR* value) {
+  if (field == nullptr) return E_OUTOFMEMORY;
   BString copy = BString::Copy(value);
   if (copy.IsNull() && value != nullptr) return E_OUTOFMEMORY;
-  field = std::move(copy);
+  *field = std::move(copy);
   return S_OK;
 }
 
