@@ -40,8 +40,9 @@ void DirectoryReader::ReadDirectory(const std::string& path, SAFEARRAY** ppPatie
   if (array.get() != nullptr) *ppPatients = array.Detach();
 }
 
-// The records are indexed as the parser completes them, each emptied at once, so that the elements
-// of a large directory never stand in memory together. While (0002,0010) hasn't been met the sizes
+// The records are indexed as the parser completes them, each handed back to the parser at once, so
+// that the elements of a large directory never stand in memory together and the next record reuses
+// them. While (0002,0010) hasn't been met the sizes
 // might still change, and the sequence is indexed after the parse instead; so is any other
 // sequence than the one that Find gives at the end.
 std::int32_t DirectoryReader::IndexRecords(const std::string& path) {
@@ -51,13 +52,15 @@ std::int32_t DirectoryReader::IndexRecords(const std::string& path) {
   ClearIndex(0);
   const VR* indexed = nullptr;
   std::uint32_t offset = 0;
-  parser.SetEntryHandler([&](const VR& sequence, VR& entry) {
+  parser.SetEntryHandler([&](const VR& sequence, std::unique_ptr<VR>& entry) {
     if (!IsRecordSequence(sequence) || !parser.IsSyntaxSettled()) return;
     if (indexed == nullptr) {
       indexed = &sequence;
       offset = LocateRecordSequence(dataSet, parser) + HeaderSize(sequence, parser);
     }
-    if (indexed == &sequence) IndexEntry(entry, offset, parser);
+    if (indexed != &sequence) return;
+    IndexEntry(*entry, offset, parser);
+    parser.Recycle(std::move(entry));
   });
   parser.Open(ToWide(path));
   parser.Parse(dataSet);
@@ -83,7 +86,7 @@ std::uint32_t DirectoryReader::LocateRecordSequence(const DicomEngine::DicomData
   return offset;
 }
 
-void DirectoryReader::BuildRecordOffsetIndex(DicomEngine::VRSequence& sequence,
+void DirectoryReader::BuildRecordOffsetIndex(const DicomEngine::VRSequence& sequence,
                                              std::uint32_t offset,
                                              const DicomEngine::Parser& parser) {
   ClearIndex(sequence.Elements().size());
@@ -98,15 +101,15 @@ void DirectoryReader::ClearIndex(std::size_t room) {
   recordCount_ = 0;
 }
 
-void DirectoryReader::IndexEntry(VR& entry, std::uint32_t& offset,
+void DirectoryReader::IndexEntry(const VR& entry, std::uint32_t& offset,
                                  const DicomEngine::Parser& parser) {
   // A delimiter, or a fragment of a sequence that isn't "SQ", is no record.
-  auto* record = IsItem(entry) ? dynamic_cast<VRContainer*>(&entry) : nullptr;
+  const auto* record =
+      IsItem(entry) ? DicomEngine::ElementCast<VRContainer, DicomEngine::VRSequenceItem>(entry)
+                    : nullptr;
   recordOffsetIndex_.emplace_back(offset, record ? RecordValues(*record) : RecordValues());
   if (IsItem(entry)) ++recordCount_;
   AdvanceOverElement(offset, entry, parser);
-  // Read and measured: the load needs nothing more of it.
-  if (record != nullptr) record->Clear();
 }
 
 void DirectoryReader::AdvanceOverElement(std::uint32_t& offset, const VR& element,
@@ -116,7 +119,9 @@ void DirectoryReader::AdvanceOverElement(std::uint32_t& offset, const VR& elemen
     offset += element.length;
     return;
   }
-  const auto* container = dynamic_cast<const VRContainer*>(&element);
+  const auto* container =
+      DicomEngine::ElementCast<VRContainer, DicomEngine::VRSequenceItem, DicomEngine::VRSequence>(
+          element);
   if (container == nullptr) return;
   for (const auto& inner : container->Elements()) {
     if (inner) AdvanceOverElement(offset, *inner, parser);

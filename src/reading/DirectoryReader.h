@@ -48,8 +48,7 @@ class DirectoryReader {
   // The file offset of the first item of (0004,1220), which must be in dataSet.
   static std::uint32_t LocateRecordSequence(const DicomEngine::DicomData& dataSet,
                                             const DicomEngine::FileParser& parser);
-  // Empties each record item once it is indexed: the load needs nothing more of it.
-  void BuildRecordOffsetIndex(DicomEngine::VRSequence& sequence, std::uint32_t offset,
+  void BuildRecordOffsetIndex(const DicomEngine::VRSequence& sequence, std::uint32_t offset,
                               const DicomEngine::Parser& parser);
   // Moves offset over element, header and value; undefined lengths are summed from the parts.
   static void AdvanceOverElement(std::uint32_t& offset, const DicomEngine::VR& element,
@@ -67,8 +66,9 @@ class DirectoryReader {
   // Parses the file and fills the index; the parsed tree goes when it returns. The root link.
   std::int32_t IndexRecords(const std::string& path);
   void ClearIndex(std::size_t room);
-  // Adds the entry at offset, moves offset behind it and empties it.
-  void IndexEntry(DicomEngine::VR& entry, std::uint32_t& offset, const DicomEngine::Parser& parser);
+  // Adds the entry at offset and moves offset behind it.
+  void IndexEntry(const DicomEngine::VR& entry, std::uint32_t& offset,
+                  const DicomEngine::Parser& parser);
   static std::uint32_t HeaderSize(const DicomEngine::VR& element,
                                   const DicomEngine::Parser& parser);
   // The index entry of the record at offset; raises when no record begins there.

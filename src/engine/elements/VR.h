@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 
 #include "engine/elements/VRCode.h"
 #include "engine/encoding/BufferWriter.h"
@@ -47,6 +48,25 @@ class VR {
  protected:
   VR(VRCode code, std::uint16_t tagGroup, std::uint16_t tagElement, std::uint32_t declaredLength);
 };
+
+// Whether element is exactly an Element, by the address of the type's name: one comparison where
+// dynamic_cast walks the class graph. Within one binary each type has one name, so a false answer
+// means another class, or at worst the class as another binary names it.
+template <class Element>
+bool IsExactly(const VR& element) {
+  return typeid(element).name() == typeid(Element).name();
+}
+
+// dynamic_cast<const Target*>(&element), decided at once when element is exactly one of Likely:
+// the parser's loops test every element, and nearly always one of a few classes comes.
+template <class Target, class... Likely>
+const Target* ElementCast(const VR& element) {
+  const Target* found = nullptr;
+  if (((IsExactly<Likely>(element) && (found = static_cast<const Likely*>(&element))) || ...)) {
+    return found;
+  }
+  return dynamic_cast<const Target*>(&element);
+}
 
 }  // namespace DicomEngine
 

@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/elements/VR.h"
@@ -57,8 +58,8 @@ class VRContainer {
   const ElementList& Elements() const { return elements_; }
   // Room for count elements ahead, so that a list being filled isn't moved time and again.
   void Reserve(std::size_t count) { elements_.reserve(count); }
-  // Destroys every element and gives back the list's room.
-  void Clear() { ElementList().swap(elements_); }
+  // Hands over every element, leaving the list empty.
+  ElementList TakeElements() { return std::exchange(elements_, {}); }
 
  protected:
   // The header of a sequence or an item, then "\r\n" and the elements' texts when it holds any.

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "engine/elements/VR.h"
 
@@ -24,6 +25,8 @@ class VRString : public VR {
   const std::string& GetValue() const { return value_; }
   // Replaces the value; the length becomes the text's size, made even.
   void SetValue(std::string value);
+  // Moves the value out, leaving it empty: its buffer can serve another text.
+  std::string TakeValue() { return std::exchange(value_, {}); }
 
  private:
   std::string value_;

@@ -52,9 +52,15 @@ double BufferReader::ReadDouble(std::uint32_t count) {
 }
 
 std::string BufferReader::ReadString(std::uint32_t count) {
-  if (count == 0) return {};
-  EnsureAvailable(count);
   std::string text;
+  ReadString(count, text);
+  return text;
+}
+
+void BufferReader::ReadString(std::uint32_t count, std::string& text) {
+  text.clear();
+  if (count == 0) return;
+  EnsureAvailable(count);
   if (const std::uint8_t* inChunk = Contiguous(count)) {
     text.assign(reinterpret_cast<const char*>(inChunk), count);
   } else {
@@ -63,7 +69,6 @@ std::string BufferReader::ReadString(std::uint32_t count) {
   }
   Advance(count);
   if (const std::size_t nul = text.find('\0'); nul != std::string::npos) text.resize(nul);
-  return text;
 }
 
 void BufferReader::ReadBinary(std::unique_ptr<std::uint8_t[]>* dest, std::uint32_t count) {
@@ -81,8 +86,8 @@ void BufferReader::ReadBinary(std::unique_ptr<std::uint8_t[]>* dest, std::uint32
 std::unique_ptr<BufferReader> BufferReader::CreateSubReader(std::uint32_t count) {
   if (count == kUndefinedLength) count = end_ - cursor_->position;
   EnsureAvailable(count);
-  return std::unique_ptr<BufferReader>(
-      new (std::nothrow) BufferReader(this, cursor_->position + count));
+  return std::unique_ptr<BufferReader>(new (std::nothrow)
+                                           BufferReader(this, cursor_->position + count));
 }
 
 template <typename Unsigned>

@@ -53,6 +53,8 @@ class BufferReader {
   double ReadDouble(std::uint32_t count);
   // Consumes count bytes and keeps those before the first NUL; nothing else is trimmed.
   std::string ReadString(std::uint32_t count);
+  // The same into text, whose buffer is reused.
+  void ReadString(std::uint32_t count, std::string& text);
   // Puts a new block of count bytes into *dest, which must not be null. For count 0 *dest is left
   // as it was.
   void ReadBinary(std::unique_ptr<std::uint8_t[]>* dest, std::uint32_t count);

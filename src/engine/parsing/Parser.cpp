@@ -145,9 +145,9 @@ void TraceElement(const VR* object) {
 
 }  // namespace
 
-Parser::Parser() = default;
+Parser::Parser() : bin_(&ownBin_) {}
 
-Parser::Parser(std::unique_ptr<BufferReader> reader, SyntaxRecord headerSyntax) {
+Parser::Parser(std::unique_ptr<BufferReader> reader, SyntaxRecord headerSyntax) : Parser() {
   SetReader(std::move(reader), headerSyntax);
 }
 
@@ -156,7 +156,8 @@ Parser::Parser(std::unique_ptr<BufferReader> reader, const Parser& parent)
       headerSyntax_(parent.headerSyntax_),
       dataSetSyntax_(parent.dataSetSyntax_),
       syntaxKnown_(parent.dataSetSyntax_.vrForm != 0 && parent.dataSetSyntax_.byteOrder != 0),
-      depth_(parent.depth_ + 1) {}
+      depth_(parent.depth_ + 1),
+      bin_(parent.bin_) {}
 
 Parser::~Parser() = default;
 
@@ -265,10 +266,9 @@ std::unique_ptr<VR> Parser::MakeElement(std::string_view vrCode, std::uint16_t g
     case CodeKey("IS"):
     case CodeKey("DS"):
     case CodeKey("UT"):
-      return std::make_unique<VRString>(code, group, element, length, reader.ReadString(length));
+      return MakeText<VRString>(code, group, element, length);
     case CodeKey("UI"):
-      return std::make_unique<VRUniqueIdentifier>(code, group, element, length,
-                                                  reader.ReadString(length));
+      return MakeText<VRUniqueIdentifier>(code, group, element, length);
     case CodeKey("AT"):
       return std::make_unique<VRAttributeTag>(code, group, element, length,
                                               ReadTags(reader, length));
@@ -283,12 +283,12 @@ std::unique_ptr<VR> Parser::MakeElement(std::string_view vrCode, std::uint16_t g
                                           return from.ReadDouble(8);
                                         }));
     case CodeKey("UL"):
-      return std::make_unique<UnsignedIntegerVR>(
+      return bin_->Make<UnsignedIntegerVR>(
           code, group, element, length,
           ReadList<std::uint32_t>(reader, length, 4,
                                   [](BufferReader& from) { return from.ReadUnsignedLong(); }));
     case CodeKey("US"):
-      return std::make_unique<UnsignedShortVR>(
+      return bin_->Make<UnsignedShortVR>(
           code, group, element, length,
           ReadList<std::uint16_t>(reader, length, 2,
                                   [](BufferReader& from) { return from.ReadUnsignedShort(); }));
@@ -308,6 +308,14 @@ std::unique_ptr<VR> Parser::MakeElement(std::string_view vrCode, std::uint16_t g
   }
 }
 
+template <class Text>
+std::unique_ptr<VR> Parser::MakeText(VRCode code, std::uint16_t group, std::uint16_t element,
+                                     std::uint32_t length) {
+  std::string value = bin_->TakeBuffer<Text>();
+  reader_->ReadString(length, value);
+  return bin_->Make<Text>(code, group, element, length, std::move(value));
+}
+
 // The sequence keeps its code: "SQ", or a binary code of undefined length, whose items under
 // "OB" and "OW" are fragments of encapsulated pixel data, offset table first.
 std::unique_ptr<VR> Parser::ParseSequence(std::uint16_t group, std::uint16_t element,
@@ -321,8 +329,9 @@ std::unique_ptr<VR> Parser::ParseSequence(std::uint16_t group, std::uint16_t ele
   const bool binaryItems = vrCode == "OB" || vrCode == "OW";
   std::uint32_t consumed = 0;
   for (bool finished = false; !finished;) {
-    sequence->Append(ParseSequenceItem(binaryItems, length, consumed, finished), false);
-    if (depth_ == 0 && entryHandler_) entryHandler_(*sequence, *sequence->Elements().back());
+    std::unique_ptr<VR> entry = ParseSequenceItem(binaryItems, length, consumed, finished);
+    if (depth_ == 0 && entryHandler_) entryHandler_(*sequence, entry);
+    sequence->Append(std::move(entry), false);
   }
   return sequence;
 }
@@ -363,7 +372,7 @@ std::unique_ptr<VR> Parser::ParseNestedItem(std::uint32_t itemLength) {
   if (itemReader == nullptr) {
     halvorine::Raise(kUnit, __LINE__, "Failed to create sequence item buffer.");
   }
-  auto item = std::make_unique<VRSequenceItem>("", kItemGroup, kItem, itemLength);
+  auto item = bin_->Make<VRSequenceItem>("", kItemGroup, kItem, itemLength);
   // A directory record has a dozen or so elements.
   item->Reserve(16);
   Parser(std::move(itemReader), *this).Parse(*item);

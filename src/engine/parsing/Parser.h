@@ -26,6 +26,7 @@
 #include "engine/elements/VR.h"
 #include "engine/elements/VRContainer.h"
 #include "engine/parsing/BufferReader.h"
+#include "engine/parsing/ElementBin.h"
 
 namespace DicomEngine {
 
@@ -51,10 +52,13 @@ class Parser {
   void ReleaseReader() { reader_.reset(); }
 
   // Called with each entry of a sequence at the data set's top level as soon as the entry is
-  // complete, items and delimiters alike, before the sequence itself is appended: a caller that
-  // needs one entry at a time may take what it needs and empty it.
-  using EntryHandler = std::function<void(const VR& sequence, VR& entry)>;
+  // complete, items and delimiters alike, before it is appended to the sequence and before the
+  // sequence itself is appended: a caller that needs one entry at a time may take it, and the
+  // sequence then goes without it.
+  using EntryHandler = std::function<void(const VR& sequence, std::unique_ptr<VR>& entry)>;
   void SetEntryHandler(EntryHandler handler) { entryHandler_ = std::move(handler); }
+  // Takes back elements that the caller is done with, so that later elements reuse them.
+  void Recycle(std::unique_ptr<VR> element) { bin_->Put(std::move(element)); }
   // Whether the syntaxes are final, (0002,0010) having been met: until then the size questions
   // may give other answers at the end of the parse.
   bool IsSyntaxSettled() const { return syntaxKnown_; }
@@ -80,6 +84,9 @@ class Parser {
   // Null for a code that has no class; the cursor then stands on the value's first byte.
   std::unique_ptr<VR> MakeElement(std::string_view vrCode, std::uint16_t group,
                                   std::uint16_t element, std::uint32_t length);
+  template <class Text>
+  std::unique_ptr<VR> MakeText(VRCode code, std::uint16_t group, std::uint16_t element,
+                               std::uint32_t length);
   std::unique_ptr<VR> ParseSequence(std::uint16_t group, std::uint16_t element,
                                     std::string_view vrCode, std::uint32_t length);
   // One item, fragment or sequence delimiter. consumed counts the item headers and defined item
@@ -93,8 +100,10 @@ class Parser {
   SyntaxRecord headerSyntax_;
   SyntaxRecord dataSetSyntax_;
   bool syntaxKnown_ = false;
-  int depth_ = 0;  // the sequences around what this parser reads
+  int depth_ = 0;              // the sequences around what this parser reads
   EntryHandler entryHandler_;  // for the top level only
+  ElementBin ownBin_;          // used by the top-level parser only
+  ElementBin* bin_;            // the top level's
 };
 
 }  // namespace DicomEngine
