@@ -1,9 +1,10 @@
 #include "reading/RecordValues.h"
 
-#include <algorithm>
+#include <array>
 
 #include "engine/elements/VRNumeric.h"
 #include "engine/elements/VRString.h"
+#include "engine/elements/VRUniqueIdentifier.h"
 #include "support/MyException.h"
 
 namespace halvorine {
@@ -16,21 +17,57 @@ std::uint32_t KeyOf(std::uint16_t group, std::uint16_t element) {
   return std::uint32_t{group} << 16 | element;
 }
 
-// The place of a tag in tags, which ascend, or tags.size().
-template <std::size_t kSize>
-std::size_t IndexOf(const std::array<std::uint32_t, kSize>& tags, std::uint32_t key) {
-  const auto found = std::ranges::lower_bound(tags, key);
-  return found != tags.end() && *found == key ? static_cast<std::size_t>(found - tags.begin())
-                                              : kSize;
-}
+// The record type and the attributes that the four levels map, in ascending order.
+constexpr std::array<std::uint32_t, 17> kTags = {
+    0x00041430, 0x00041500, 0x00041510, 0x00041511, 0x00080020, 0x00080030,
+    0x00080050, 0x00080060, 0x00080080, 0x00081030, 0x00100010, 0x00100020,
+    0x0020000D, 0x0020000E, 0x00200010, 0x00200011, 0x00200013};
+
+// The place of a tag in kTags by a multiplicative hash that gives each of them a slot of its own,
+// found at compile time: a load looks up every element of every record.
+class TagTable {
+ public:
+  static constexpr std::size_t kMissing = kTags.size();
+
+  constexpr TagTable() {
+    while (!TryFill()) multiplier_ += 2;
+  }
+
+  constexpr std::size_t IndexOf(std::uint32_t key) const {
+    const std::uint8_t slot = slots_[SlotOf(key)];
+    return slot != 0 && kTags[slot - 1] == key ? slot - 1 : kMissing;
+  }
+
+ private:
+  constexpr std::size_t SlotOf(std::uint32_t key) const { return (key * multiplier_) >> 26; }
+
+  constexpr bool TryFill() {
+    slots_ = {};
+    for (std::size_t index = 0; index < kTags.size(); ++index) {
+      std::uint8_t& slot = slots_[SlotOf(kTags[index])];
+      if (slot != 0) return false;
+      slot = static_cast<std::uint8_t>(index + 1);
+    }
+    return true;
+  }
+
+  std::uint32_t multiplier_ = 0x9E3779B1;  // 2^32 over the golden ratio, a well-mixing start
+  std::array<std::uint8_t, 64> slots_{};  // index + 1, or 0
+};
+
+constexpr TagTable kTagTable;
+static_assert(kTagTable.IndexOf(0x00200013) == 16 && kTagTable.IndexOf(0x00200012) == 17);
 
 }  // namespace
 
 RecordLink::RecordLink(const DicomEngine::VRContainer& container, std::uint16_t group,
                        std::uint16_t element)
     : group_(group), element_(element) {
-  const auto* attribute =
-      dynamic_cast<const DicomEngine::UnsignedIntegerVR*>(container.Find(group, element));
+  const DicomEngine::VR* found = container.Find(group, element);
+  const auto* attribute = found == nullptr
+                              ? nullptr
+                              : DicomEngine::ElementCast<DicomEngine::UnsignedIntegerVR,
+                                                         DicomEngine::UnsignedIntegerVR>(*found);
   if (attribute == nullptr) return;
   state_ = attribute->values.empty() ? State::kEmpty : State::kNumber;
   if (state_ == State::kNumber) number_ = static_cast<std::int32_t>(attribute->values.front());
@@ -51,13 +88,16 @@ RecordValues::RecordValues(const DicomEngine::VRContainer& record)
   std::array<const DicomEngine::VR*, kTags.size()> firsts{};
   for (const auto& element : record.Elements()) {
     if (!element) continue;
-    const std::size_t index = IndexOf(kTags, KeyOf(element->group, element->element));
+    const std::size_t index = kTagTable.IndexOf(KeyOf(element->group, element->element));
     if (index < kTags.size() && firsts[index] == nullptr) firsts[index] = element.get();
   }
   std::array<const DicomEngine::VRString*, kTags.size()> texts{};
   std::size_t size = 0;
   for (std::size_t i = 0; i < kTags.size(); ++i) {
-    texts[i] = dynamic_cast<const DicomEngine::VRString*>(firsts[i]);
+    texts[i] = firsts[i] == nullptr
+                   ? nullptr
+                   : DicomEngine::ElementCast<DicomEngine::VRString, DicomEngine::VRString,
+                                              DicomEngine::VRUniqueIdentifier>(*firsts[i]);
     if (texts[i] != nullptr) size += texts[i]->GetValue().size() + 2;
   }
   texts_.reserve(size);
@@ -70,7 +110,7 @@ RecordValues::RecordValues(const DicomEngine::VRContainer& record)
 
 std::optional<std::string_view> RecordValues::Text(std::uint16_t group,
                                                    std::uint16_t element) const {
-  const std::size_t index = IndexOf(kTags, KeyOf(group, element));
+  const std::size_t index = kTagTable.IndexOf(KeyOf(group, element));
   if (index == kTags.size()) return std::nullopt;
   const auto mark = static_cast<char>(index + 1);
   // A parsed text holds no NUL, so each entry ends at the first one.

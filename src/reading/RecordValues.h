@@ -4,7 +4,6 @@
 #ifndef HALVORINE_READING_RECORDVALUES_H
 #define HALVORINE_READING_RECORDVALUES_H
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,8 +18,7 @@ namespace halvorine {
 class RecordLink {
  public:
   RecordLink() = default;
-  RecordLink(const DicomEngine::VRContainer& container, std::uint16_t group,
-             std::uint16_t element);
+  RecordLink(const DicomEngine::VRContainer& container, std::uint16_t group, std::uint16_t element);
 
   // The first number, as signed 32 bits. Raises when there was no "UL" element, or one with no
   // number; where is the offset of the record that holds it, for the message.
@@ -50,16 +48,10 @@ class RecordValues {
   RecordLink lower;  // (0004,1420)
 
  private:
-  // The record type and the attributes that the four levels map, in ascending order.
-  static constexpr std::array<std::uint32_t, 17> kTags = {
-      0x00041430, 0x00041500, 0x00041510, 0x00041511, 0x00080020, 0x00080030,
-      0x00080050, 0x00080060, 0x00080080, 0x00081030, 0x00100010, 0x00100020,
-      0x0020000D, 0x0020000E, 0x00200010, 0x00200011, 0x00200013};
-
   bool isRecord_ = false;
-  // The kept texts in element order, one entry each: the tag's index in kTags plus one, the
-  // value, a NUL. A record keeps a handful, so a search through them costs less than room for
-  // all.
+  // The kept texts in the order of their tags, one entry each: the tag's index among the kept
+  // tags plus one, the value, a NUL. A record keeps a handful, so a search through them costs less
+  // than room for all.
   std::string texts_;
 };
 
