@@ -44,10 +44,12 @@ AttributeTag ReadTag(BufferReader& reader) {
 }
 
 // The two letters of an explicit VR, least significant byte first, up to the first NUL as
-// ReadString(2) would keep them: the VR is read as a number, since this runs for every element.
-std::string VRCodeOf(std::uint16_t bytes) {
+// ReadString(2) would keep them, and "UN" when none is left: the VR is read as a number, since
+// this runs for every element.
+VRCode VRCodeOf(std::uint16_t bytes) {
   const char letters[2] = {static_cast<char>(bytes & 0xFF), static_cast<char>(bytes >> 8)};
-  return std::string(letters, letters[0] == '\0' ? 0 : letters[1] == '\0' ? 1 : 2);
+  if (letters[0] == '\0') return "UN";
+  return std::string_view(letters, letters[1] == '\0' ? 1 : 2);
 }
 
 // The VR of an implicit element: a group length in any group is "UL"; a private group (odd, from
@@ -206,28 +208,27 @@ SyntaxRecord Parser::GetSyntaxForGroup(std::uint16_t group) const {
 // ChooseVR, then ReadLength; but an explicit element outside group FFFE takes its VR and the two
 // bytes behind it, which are the short length or the reserved bytes of the long form, in one
 // read of the same bytes, since this runs for every element.
-std::pair<std::string, std::uint32_t> Parser::ReadVRAndLength(std::uint16_t group,
-                                                              std::uint16_t element) {
+std::pair<std::string_view, std::uint32_t> Parser::ReadVRAndLength(std::uint16_t group,
+                                                                   std::uint16_t element) {
   if (group == kItemGroup || GetSyntaxForGroup(group).vrForm != kExplicitVR) {
-    std::string vrCode = ChooseVR(group, element);
-    const std::uint32_t length = ReadLength(vrCode, group, element);
-    return {std::move(vrCode), length};
+    const std::string_view vrCode = ChooseVR(group, element);
+    return {vrCode, ReadLength(vrCode, group, element)};
   }
   const std::uint32_t field = reader_->ReadUnsignedLong();
-  std::string vrCode = VRCodeOf(static_cast<std::uint16_t>(field & 0xFFFF));
-  if (vrCode.empty()) vrCode = "UN";
-  const std::uint32_t length = HasLongLength(vrCode) ? reader_->ReadUnsignedLong() : field >> 16;
-  return {std::move(vrCode), length};
+  explicitCode_ = VRCodeOf(static_cast<std::uint16_t>(field & 0xFFFF));
+  const std::string_view vrCode = explicitCode_.View();
+  return {vrCode, HasLongLength(vrCode) ? reader_->ReadUnsignedLong() : field >> 16};
 }
 
 // An explicit stream's code is taken as it stands, without the dictionary; an empty one (the
 // two bytes began with a NUL) reads as "UN".
-std::string Parser::ChooseVR(std::uint16_t group, std::uint16_t element) {
-  std::string vrCode = group != kItemGroup && GetSyntaxForGroup(group).vrForm != kImplicitVR
-                           ? VRCodeOf(reader_->ReadUnsignedShort())
-                           : std::string(LookUpVR(group, element));
-  if (vrCode.empty()) vrCode = "UN";
-  return vrCode;
+std::string_view Parser::ChooseVR(std::uint16_t group, std::uint16_t element) {
+  if (group != kItemGroup && GetSyntaxForGroup(group).vrForm != kImplicitVR) {
+    explicitCode_ = VRCodeOf(reader_->ReadUnsignedShort());
+    return explicitCode_.View();
+  }
+  const std::string_view vrCode = LookUpVR(group, element);
+  return vrCode.empty() ? "UN" : vrCode;
 }
 
 // A 16-bit length is never undefined: 0xFFFF is 65535.

@@ -78,8 +78,10 @@ class Parser {
   Parser(std::unique_ptr<BufferReader> reader, const Parser& parent);
 
   SyntaxRecord GetSyntaxForGroup(std::uint16_t group) const;
-  std::pair<std::string, std::uint32_t> ReadVRAndLength(std::uint16_t group, std::uint16_t element);
-  std::string ChooseVR(std::uint16_t group, std::uint16_t element);
+  // The code's text lives in the dictionary, in a literal or in explicitCode_, until the next read.
+  std::pair<std::string_view, std::uint32_t> ReadVRAndLength(std::uint16_t group,
+                                                             std::uint16_t element);
+  std::string_view ChooseVR(std::uint16_t group, std::uint16_t element);
   std::uint32_t ReadLength(std::string_view vrCode, std::uint16_t group, std::uint16_t element);
   // Null for a code that has no class; the cursor then stands on the value's first byte.
   std::unique_ptr<VR> MakeElement(std::string_view vrCode, std::uint16_t group,
@@ -101,6 +103,7 @@ class Parser {
   SyntaxRecord dataSetSyntax_;
   bool syntaxKnown_ = false;
   int depth_ = 0;              // the sequences around what this parser reads
+  VRCode explicitCode_;        // the last code read from the stream
   EntryHandler entryHandler_;  // for the top level only
   ElementBin ownBin_;          // used by the top-level parser only
   ElementBin* bin_;            // the top level's
