@@ -29,25 +29,24 @@ std::string Fold(std::string_view name) {
 
 }  // namespace
 
-std::optional<std::vector<std::string_view>> ImagePathResolver::SplitFileId(
-    std::string_view fileId) {
+bool ImagePathResolver::SplitFileId(std::string_view fileId,
+                                    std::vector<std::string_view>& components) {
   while (!fileId.empty() && fileId.back() == ' ') fileId.remove_suffix(1);
-  std::vector<std::string_view> components;
-  components.reserve(8);  // the most that a File ID has
+  components.clear();
   std::size_t start = 0;
   for (std::size_t at = 0; at <= fileId.size(); ++at) {
     if (at < fileId.size() && fileId[at] != '\\' && fileId[at] != '/') continue;
     const std::string_view component = fileId.substr(start, at - start);
-    if (component.empty() || component == "." || component == "..") return std::nullopt;
+    if (component.empty() || component == "." || component == "..") return false;
     components.push_back(component);
     start = at + 1;
   }
-  return components;
+  return true;
 }
 
 // The images of a series share their folder, so the folder of the last path is kept and the
 // next one in the same folder looks up its file name alone.
-std::string ImagePathResolver::Resolve(const std::vector<std::string_view>& components) {
+const std::string& ImagePathResolver::Resolve(const std::vector<std::string_view>& components) {
   if (components.empty()) return folder_;
   const std::span<const std::string_view> folder(components.data(), components.size() - 1);
   if (!std::ranges::equal(folder, lastFolder_)) {
@@ -57,7 +56,8 @@ std::string ImagePathResolver::Resolve(const std::vector<std::string_view>& comp
   if (!lastStoredFolder_) return Formed(components);
   const std::string_view name = FindStoredName(*lastStoredFolder_, components.back());
   if (name.empty()) return Formed(components);
-  return *lastStoredFolder_ + '/' + std::string(name);
+  path_.assign(*lastStoredFolder_).append(1, '/').append(name);
+  return path_;
 }
 
 std::optional<std::string> ImagePathResolver::StoredFolder(
@@ -72,13 +72,10 @@ std::optional<std::string> ImagePathResolver::StoredFolder(
   return stored;
 }
 
-std::string ImagePathResolver::Formed(const std::vector<std::string_view>& components) const {
-  std::string formed = folder_;
-  for (const std::string_view component : components) {
-    formed += '/';
-    formed.append(component);
-  }
-  return formed;
+const std::string& ImagePathResolver::Formed(const std::vector<std::string_view>& components) {
+  path_.assign(folder_);
+  for (const std::string_view component : components) path_.append(1, '/').append(component);
+  return path_;
 }
 
 const ImagePathResolver::Listing& ImagePathResolver::ListingOf(const std::string& folder) {

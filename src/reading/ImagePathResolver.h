@@ -23,12 +23,13 @@ class ImagePathResolver {
  public:
   explicit ImagePathResolver(std::string folder) : folder_(std::move(folder)) {}
 
-  // The components of fileId with its trailing blanks dropped, or nothing when one of them
-  // would lead outside the folder.
-  static std::optional<std::vector<std::string_view>> SplitFileId(std::string_view fileId);
+  // Puts the components of fileId with its trailing blanks dropped into components; false when
+  // one of them would lead outside the folder.
+  static bool SplitFileId(std::string_view fileId, std::vector<std::string_view>& components);
 
   // The path of components below the folder, in the names as stored where all of them are found.
-  std::string Resolve(const std::vector<std::string_view>& components);
+  // The text holds until the next call: a load resolves one image after the other.
+  const std::string& Resolve(const std::vector<std::string_view>& components);
 
  private:
   // A folder that can't be listed has no names.
@@ -38,7 +39,7 @@ class ImagePathResolver {
     std::unordered_map<std::string, std::string_view> folded;
   };
 
-  std::string Formed(const std::vector<std::string_view>& components) const;
+  const std::string& Formed(const std::vector<std::string_view>& components);
   // The folder below this one as stored, or nothing when a component isn't found.
   std::optional<std::string> StoredFolder(std::span<const std::string_view> components);
   const Listing& ListingOf(const std::string& folder);
@@ -49,6 +50,7 @@ class ImagePathResolver {
   std::unordered_map<std::string, Listing> listings_;
   std::vector<std::string> lastFolder_;
   std::optional<std::string> lastStoredFolder_;
+  std::string path_;  // the last path resolved, its room kept for the next
 };
 
 }  // namespace halvorine

@@ -191,14 +191,13 @@ ComPtr<IUnknown> RecordMapper::MakeImage(const RecordValues& record, std::uint32
 BSTR RecordMapper::ImagePath(const RecordValues& record, std::uint32_t offset) {
   const std::optional<std::string_view> fileId = ReadText(record, 0x0004, 0x1500);
   if (!fileId) return scratch_.Widen(folder_ + '/');
-  const auto components = ImagePathResolver::SplitFileId(*fileId);
-  if (!components) {
+  if (!ImagePathResolver::SplitFileId(*fileId, components_)) {
     Raise(kUnit, __LINE__,
           "The Referenced File ID \"%s\" of the DICOMDIR record at offset %u leads outside the "
           "folder.",
           std::string(*fileId).c_str(), offset);
   }
-  return scratch_.Widen(paths_.Resolve(*components));
+  return scratch_.Widen(paths_.Resolve(components_));
 }
 
 void RecordMapper::LinkChildren(IUnknown* parent, RecordLevel level, std::uint32_t offset,

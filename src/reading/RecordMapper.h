@@ -73,6 +73,7 @@ class RecordMapper {
   RecordCreators creators_;
   std::string folder_;
   ImagePathResolver paths_;
+  std::vector<std::string_view> components_;  // of the File ID being resolved
   BStringScratch scratch_;
 };
 

@@ -52,7 +52,7 @@ class TagTable {
   }
 
   std::uint32_t multiplier_ = 0x9E3779B1;  // 2^32 over the golden ratio, a well-mixing start
-  std::array<std::uint8_t, 64> slots_{};  // index + 1, or 0
+  std::array<std::uint8_t, 64> slots_{};   // index + 1, or 0
 };
 
 constexpr TagTable kTagTable;

@@ -14,11 +14,13 @@ namespace {
 // Trailing blanks go, leading ones stay; '/' separates as a backslash does.
 TEST(ImagePathResolverTest, SplitsFileIdsAndRefusesThoseThatLeadOutside) {
   using Components = std::vector<std::string_view>;
-  EXPECT_EQ(ImagePathResolver::SplitFileId("DICOM\\PA0\\IM0  "),
-            Components({"DICOM", "PA0", "IM0"}));
-  EXPECT_EQ(ImagePathResolver::SplitFileId(" A/B"), Components({" A", "B"}));
+  Components components = {"left", "over"};
+  EXPECT_TRUE(ImagePathResolver::SplitFileId("DICOM\\PA0\\IM0  ", components));
+  EXPECT_EQ(components, Components({"DICOM", "PA0", "IM0"}));
+  EXPECT_TRUE(ImagePathResolver::SplitFileId(" A/B", components));
+  EXPECT_EQ(components, Components({" A", "B"}));
   for (const char* fileId : {"..", "A\\.\\B", "\\etc\\passwd", "A\\\\B", "A\\", "   "}) {
-    EXPECT_FALSE(ImagePathResolver::SplitFileId(fileId)) << fileId;
+    EXPECT_FALSE(ImagePathResolver::SplitFileId(fileId, components)) << fileId;
   }
 }
 
