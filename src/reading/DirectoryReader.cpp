@@ -156,14 +156,23 @@ std::uint32_t DirectoryReader::HeaderSize(const VR& element, const DicomEngine::
          parser.GetLengthFieldSize(element.vrCode.View(), element.group, element.element);
 }
 
-std::size_t DirectoryReader::PositionOf(std::uint32_t offset) const {
-  const auto found =
-      std::lower_bound(recordOffsetIndex_.begin(), recordOffsetIndex_.end(), offset,
-                       [](const auto& entry, std::uint32_t key) { return entry.first < key; });
-  if (found == recordOffsetIndex_.end() || found->first != offset || !found->second.IsRecord()) {
+// Writers mostly store records in the order that the walk visits them, so the entry behind the
+// last one found is tried before the search, which on a large directory misses the cache at every
+// step.
+std::size_t DirectoryReader::PositionOf(std::uint32_t offset) {
+  std::size_t position = nextGuess_;
+  if (position >= recordOffsetIndex_.size() || recordOffsetIndex_[position].first != offset) {
+    position = static_cast<std::size_t>(
+        std::lower_bound(recordOffsetIndex_.begin(), recordOffsetIndex_.end(), offset,
+                         [](const auto& entry, std::uint32_t key) { return entry.first < key; }) -
+        recordOffsetIndex_.begin());
+  }
+  if (position == recordOffsetIndex_.size() || recordOffsetIndex_[position].first != offset ||
+      !recordOffsetIndex_[position].second.IsRecord()) {
     Raise(kUnit, __LINE__, "No DICOMDIR record begins at offset %u.", offset);
   }
-  return static_cast<std::size_t>(found - recordOffsetIndex_.begin());
+  nextGuess_ = position + 1;
+  return position;
 }
 
 void DirectoryReader::Enter(std::size_t position, int depth) {

@@ -72,13 +72,14 @@ class DirectoryReader {
   static std::uint32_t HeaderSize(const DicomEngine::VR& element,
                                   const DicomEngine::Parser& parser);
   // The index entry of the record at offset; raises when no record begins there.
-  std::size_t PositionOf(std::uint32_t offset) const;
+  std::size_t PositionOf(std::uint32_t offset);
   void Enter(std::size_t position, int depth);
 
   RecordOffsetIndex& recordOffsetIndex_;
   RecordMapper mapper_;
   std::size_t recordCount_ = 0;
   std::size_t recordsWalked_ = 0;
+  std::size_t nextGuess_ = 0;  // the entry behind the one that PositionOf found last
   // By index entry: whether the walk is inside that record's chain or subtree.
   std::vector<bool> open_;
 };
