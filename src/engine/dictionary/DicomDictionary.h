@@ -11,6 +11,7 @@
 #ifndef HALVORINE_ENGINE_DICTIONARY_DICOMDICTIONARY_H
 #define HALVORINE_ENGINE_DICTIONARY_DICOMDICTIONARY_H
 
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <map>
@@ -52,12 +53,20 @@ class DicomDictionary {
     std::uint32_t vr;
   };
 
-  void ParseDictionaryLine(std::string_view line);
+  void ParseFile(int file);
+  void AddEntry(std::uint16_t group, std::uint16_t element, std::string_view vr,
+                std::string_view owner);
+  void AddPrivate(std::uint32_t key, std::string_view owner);
   void InsertStandard(std::uint32_t key, std::string_view vr);
   std::uint32_t InternVR(std::string_view vr);
+  std::uint32_t InternOtherVR(std::string_view vr);
+  std::uint32_t AddVRText(std::string_view vr);
 
   std::vector<Entry> standardEntries_;  // ascending keys
   std::deque<std::string> vrTexts_;  // a deque, so that FindVR's views stay put
+  // For a VR of two capitals, its index in vrTexts_ plus 1, or 0 while it isn't there; other
+  // texts are searched for.
+  std::array<std::uint32_t, 26 * 26> codeSlots_{};
   // Kept only to refuse a tag twice for one owner: no look-up reads private entries.
   std::map<std::string, std::set<std::uint32_t>, std::less<>> privateKeys_;
   std::string loadedFileName_;

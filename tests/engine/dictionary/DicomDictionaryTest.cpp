@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <fstream>
 #include <regex>
 #include <set>
@@ -46,6 +47,8 @@ TEST_F(DicomDictionaryTest, ReadsTheLineFormatAndFailsOnBadLines) {
   const char kNumber[] = "Dictionary expects a numeric value.";
   const char kDuplicate[] =
       "The standard DICOM dictionary file contains a duplicated group-element paire.";
+  // Codes of two capitals, and other texts.
+  const char kCodes[] = "(0008,0005) VR=\"ob\"\n(0008,0006) VR=\"OB\"\n(0008,0007) VR=\"O\xC4\"";
   const struct {
     const char* content;
     std::uint16_t group, element;
@@ -61,6 +64,14 @@ TEST_F(DicomDictionaryTest, ReadsTheLineFormatAndFailsOnBadLines) {
       {"(0008,0005)\t \tVR=\"CS\"", 0x0008, 0x0005, "CS"},
       {"(0008,0005) VR\t=\"CS\"", 0x0008, 0x0005, ""},
       {"(0008,0005) VR=\"CS\" VR=\"SH\"", 0x0008, 0x0005, "SH"},
+      // A quote in a key is part of it; what stands between '=' and the quote is skipped.
+      {"(0008,0005) x\"VR=\"CS\" VR=\"SH\"", 0x0008, 0x0005, "SH"},
+      {"(0008,0005) VR=x\"CS\"", 0x0008, 0x0005, "CS"},
+      // Blanks, tabs and other characters below '"' don't end a value; nor do bytes above 127.
+      {"(0008,0005) VR=\"A!B\tC D\"", 0x0008, 0x0005, "A!B\tC D"},
+      {kCodes, 0x0008, 0x0005, "ob"},
+      {kCodes, 0x0008, 0x0006, "OB"},
+      {kCodes, 0x0008, 0x0007, "O\xC4"},
       {"(0008,0005) VR=\"CS VM=\"1\"", 0x0008, 0x0005, "CS VM="},
       {"(0008,0005) VR=\"CS", 0x0008, 0x0005, "CS"},
       {"(0008,0005) VR=CS", 0x0008, 0x0005, ""},
@@ -70,10 +81,13 @@ TEST_F(DicomDictionaryTest, ReadsTheLineFormatAndFailsOnBadLines) {
       // Only a carriage return before a line feed is dropped; lines may come out of order.
       {"(0008,0006) VR=\"SH\r\n(0008,0005) VR=\"CS\r", 0x0008, 0x0006, "SH"},
       {"(0008,0006) VR=\"SH\r\n(0008,0005) VR=\"CS\r", 0x0008, 0x0005, "CS\r"},
+      {"(0008,0005) VR=\"  \r", 0x0008, 0x0005, "\r"},
+      {"\r\n(0008,0005) VR=\"CS\"", 0x0008, 0x0005, "CS"},
       {"REM a comment\n\nREMARK (0008,0005) VR=\"CS\"\r\nREM\n", 0x0008, 0x0005, "UN"},
       {"(0029,1010) Owner=\"A\"\n(0029,1010) Owner=\"B\"", 0x0029, 0x1010, "UN"},
       {" REM indented", 0, 0, kSection},
       {"rem lower case", 0, 0, kSection},
+      {"(0008,0005) VR=\"CS\"\n\r", 0, 0, kSection},
       {"0008,0005) VR=\"CS\"", 0, 0, kSection},
       {"(0008,0005 VR=\"CS\"", 0, 0, kSection},
       {"(00080005) VR=\"CS\"", 0, 0, kSection},
@@ -93,7 +107,12 @@ TEST_F(DicomDictionaryTest, ReadsTheLineFormatAndFailsOnBadLines) {
       EXPECT_EQ(dictionary.GetVR(line.group, line.element), line.vr) << line.content;
     }
   }
-  EXPECT_THROW(Load("(0008,0005) VR=\"   \"", dictionary_), std::out_of_range);
+  // Every value is trimmed, kept or not, up to the line's end when it has no closing quote.
+  for (const char* blanks :
+       {"(0008,0005) VR=\"   \"", "(0008,0005) VR=\"CS\" Name=\" \"", "(0008,0005) VR=\"  \r\n"}) {
+    DicomDictionary dictionary;
+    EXPECT_THROW(Load(blanks, dictionary), std::out_of_range) << blanks;
+  }
 }
 
 // The name is kept before the file is read: a bad line keeps the entries before it, the same name
@@ -118,6 +137,26 @@ TEST_F(DicomDictionaryTest, LoadsOneFileOnceAndKeepsAPartialLoad) {
   halvorine::WriteWholeFile(other, "(0008,0005) VR=\"CS\"");
   EXPECT_EQ(RaisedMessage([&] { missing.LoadDictionary(other); }), kNothingRaised);
   EXPECT_EQ(missing.GetVR(0x0008, 0x0005), "UN");
+}
+
+// Lines of many lengths, so that some cross the blocks the file is read in, with CR LF ends, a
+// line longer than a block, and a last line without a feed.
+TEST_F(DicomDictionaryTest, ReadsLinesAcrossBlocks) {
+  const char* const codes[] = {"CS", "US or SS", "OW/OB", "SQ", "PN"};
+  constexpr std::uint16_t kCount = 6000;
+  std::string content;
+  for (std::uint16_t element = 0; element < kCount; ++element) {
+    char tag[16];
+    std::snprintf(tag, sizeof tag, "(0010,%04X)", element);
+    content += std::string(tag) + " VR=\"" + codes[element % 5] + "\" Name=\"" +
+               std::string(element % 97, 'n') + "\"";
+    if (element == kCount / 2) content += " Name=\"" + std::string(200000, 'L') + "\"";
+    if (element + 1 < kCount) content += "\r\n";
+  }
+  ASSERT_EQ(Load(content, dictionary_), kNothingRaised);
+  for (std::uint16_t element = 0; element < kCount; ++element) {
+    ASSERT_EQ(dictionary_.FindVR(0x0010, element), codes[element % 5]) << element;
+  }
 }
 
 TEST_F(DicomDictionaryTest, UnknownTagsAreUnknownOrGroupLengthsAndTraced) {
