@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace {
 
@@ -38,12 +39,9 @@ HALVOCOM_API BSTR SysAllocStringLen(const OLECHAR* strIn, UINT ui) {
 
 HALVOCOM_API BSTR SysAllocString(const OLECHAR* psz) {
   if (psz == nullptr) return nullptr;
-  UINT length = 0;
-  while (psz[length] != u'\0') {
-    if (length == kMaxLength) return nullptr;
-    ++length;
-  }
-  return SysAllocStringLen(psz, length);
+  const std::size_t length = std::char_traits<char16_t>::length(psz);
+  if (length > kMaxLength) return nullptr;
+  return SysAllocStringLen(psz, static_cast<UINT>(length));
 }
 
 HALVOCOM_API void SysFreeString(BSTR bstrString) {
