@@ -2,39 +2,19 @@
 
 #include <utility>
 
+#include "engine/encoding/ElementBytes.h"
+
 namespace halvorine::testing {
 namespace {
 
 constexpr std::uint32_t kUndefined = 0xFFFFFFFF;
 
-std::string LittleEndian(std::uint32_t value, int size) {
-  std::string out;
-  for (int i = 0; i < size; ++i) out += static_cast<char>(value >> (8 * i));
-  return out;
-}
-
-// Group FFFE has no VR field in any syntax.
-std::string Header(std::uint16_t group, std::uint16_t element, const std::string& vr,
-                   std::uint32_t length, bool implicit) {
-  const std::string tag = LittleEndian(group, 2) + LittleEndian(element, 2);
-  if (implicit || group == 0xFFFE) return tag + LittleEndian(length, 4);
-  const bool longForm = vr == "OB" || vr == "OW" || vr == "SQ" || vr == "UN" || vr == "UT";
-  return tag + vr +
-         (longForm ? std::string(2, '\0') + LittleEndian(length, 4) : LittleEndian(length, 2));
-}
-
-std::string Element(std::uint16_t group, std::uint16_t element, const std::string& vr,
-                    std::string value, bool implicit) {
-  if (value.size() % 2 != 0) value += vr == "UI" ? '\0' : ' ';
-  return Header(group, element, vr, static_cast<std::uint32_t>(value.size()), implicit) + value;
-}
-
 // UL, or US for size 2.
 std::string Number(std::uint16_t element, std::uint32_t value, bool implicit, int size = 4) {
-  return Element(0x0004, element, size == 4 ? "UL" : "US", LittleEndian(value, size), implicit);
+  return Encoded(0x0004, element, size == 4 ? "UL" : "US", LittleEndian(value, size), implicit);
 }
 
-std::string Delimiter(std::uint16_t element) { return Header(0xFFFE, element, "", 0, true); }
+std::string Delimiter(std::uint16_t element) { return ElementHeader(0xFFFE, element, "", 0); }
 
 std::string Record(const VariantRecord& record, const std::vector<std::uint32_t>& offsets,
                    const VariantLayout& layout) {
@@ -44,23 +24,23 @@ std::string Record(const VariantRecord& record, const std::vector<std::uint32_t>
   if (record.nextForm == VariantRecord::Next::kNumber) {
     content += Number(0x1400, record.rawNext.value_or(link(record.next)), implicit);
   } else if (record.nextForm == VariantRecord::Next::kEmpty) {
-    content += Element(0x0004, 0x1400, "UL", "", implicit);
+    content += Encoded(0x0004, 0x1400, "UL", "", implicit);
   }
   content += Number(0x1410, 0xFFFF, implicit, 2) + Number(0x1420, link(record.lower), implicit) +
-             Element(0x0004, 0x1430, "CS", record.type, implicit);
+             Encoded(0x0004, 0x1430, "CS", record.type, implicit);
   for (const VariantAttribute& a : record.attributes) {
-    content += Element(a.group, a.element, a.vr, a.value, implicit);
+    content += Encoded(a.group, a.element, a.vr, a.value, implicit);
   }
   // An undefined-length sequence of one undefined-length item, as icon images often come.
   if (record.iconImage) {
-    content += Header(0x0088, 0x0200, "SQ", kUndefined, implicit) +
-               Header(0xFFFE, 0xE000, "", kUndefined, true) +
-               Element(0x0028, 0x0002, "US", LittleEndian(1, 2), implicit) +
-               Element(0x0028, 0x0010, "US", LittleEndian(1, 2), implicit) + Delimiter(0xE00D) +
+    content += ElementHeader(0x0088, 0x0200, "SQ", kUndefined, implicit) +
+               ElementHeader(0xFFFE, 0xE000, "", kUndefined) +
+               Encoded(0x0028, 0x0002, "US", LittleEndian(1, 2), implicit) +
+               Encoded(0x0028, 0x0010, "US", LittleEndian(1, 2), implicit) + Delimiter(0xE00D) +
                Delimiter(0xE0DD);
   }
   const std::uint32_t length = layout.undefinedItems ? kUndefined : std::uint32_t(content.size());
-  return Header(0xFFFE, 0xE000, "", length, true) + content +
+  return ElementHeader(0xFFFE, 0xE000, "", length) + content +
          (layout.undefinedItems ? Delimiter(0xE00D) : "");
 }
 
@@ -79,19 +59,17 @@ std::pair<std::string, std::vector<std::uint32_t>> Encode(const std::vector<Vari
     std::string head;
     if (layout.preamble) {
       const std::string meta =
-          Element(0x0002, 0x0001, "OB", std::string("\0\1", 2), false) +
-          Element(0x0002, 0x0002, "UI", "1.2.840.10008.1.3.10", false) +
-          Element(0x0002, 0x0003, "UI", "1.2.3.4", false) +
-          Element(0x0002, 0x0010, "UI", implicit ? "1.2.840.10008.1.2" : "1.2.840.10008.1.2.1",
-                  false);
+          Encoded(0x0002, 0x0001, "OB", std::string("\0\1", 2)) +
+          Encoded(0x0002, 0x0002, "UI", "1.2.840.10008.1.3.10") +
+          Encoded(0x0002, 0x0003, "UI", "1.2.3.4") +
+          Encoded(0x0002, 0x0010, "UI", implicit ? "1.2.840.10008.1.2" : "1.2.840.10008.1.2.1");
       head = std::string(128, '\0') + "DICM" +
-             Element(0x0002, 0x0000, "UL", LittleEndian(std::uint32_t(meta.size()), 4), false) +
-             meta;
+             Encoded(0x0002, 0x0000, "UL", LittleEndian(std::uint32_t(meta.size()), 4)) + meta;
     } else {
       // A bare data set is only taken when it begins with group 0008.
-      head = Element(0x0008, 0x0005, "CS", "ISO_IR 100", implicit);
+      head = Encoded(0x0008, 0x0005, "CS", "ISO_IR 100", implicit);
     }
-    head += Element(0x0004, 0x1130, "CS", "VARIANT", implicit) +
+    head += Encoded(0x0004, 0x1130, "CS", "VARIANT", implicit) +
             Number(0x1200, layout.rawRoot.value_or(records.empty() ? 0 : offsets[0]), implicit) +
             Number(0x1202, 0, implicit) + Number(0x1212, 0, implicit, 2);
     std::vector<std::uint32_t> next(records.size(), 0);
@@ -100,7 +78,7 @@ std::pair<std::string, std::vector<std::uint32_t>> Encode(const std::vector<Vari
       next[std::size_t(index)] = static_cast<std::uint32_t>(items.size());
       items += Record(records[std::size_t(index)], offsets, layout);
     }
-    const std::string sequence = Header(
+    const std::string sequence = ElementHeader(
         0x0004, 0x1220, "SQ",
         layout.undefinedItems ? kUndefined : static_cast<std::uint32_t>(items.size()), implicit);
     for (std::uint32_t& offset : next) offset += std::uint32_t(head.size() + sequence.size());

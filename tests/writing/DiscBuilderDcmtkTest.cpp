@@ -12,7 +12,7 @@
 namespace halvorine {
 namespace {
 
-using DiscBuilderDcmtkTest = ObjectsReleasedTest;
+using DiscBuilderDcmtkTest = ServiceTest;
 
 TEST_F(DiscBuilderDcmtkTest, EveryLinkNamesItsRecord) {
   std::istringstream lines(ToolOutputOfADisc("dcmdump +L"));

@@ -44,7 +44,7 @@ const std::vector<std::regex> kKnownFindings = {
                R"(- this is a Standard Extended SOP Class)"),
 };
 
-using DiscBuilderDicom3toolsTest = ObjectsReleasedTest;
+using DiscBuilderDicom3toolsTest = ServiceTest;
 
 TEST_F(DiscBuilderDicom3toolsTest, NoFindingBeyondTheKnownOnes) {
   std::istringstream lines(ToolOutputOfADisc("dciodvfy"));

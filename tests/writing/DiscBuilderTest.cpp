@@ -32,7 +32,7 @@ std::vector<std::string> Entries(const std::string& folder) {
   return names;
 }
 
-class DiscBuilderTest : public ObjectsReleasedTest {
+class DiscBuilderTest : public ServiceTest {
  protected:
   void SetUp() override {
     WriteWholeFile(source_, kImage);

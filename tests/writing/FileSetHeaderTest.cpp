@@ -29,7 +29,7 @@ TEST(FileSetHeaderTest, EveryByteOfTheHeader) {
       EXPECT_EQ(key, "AeTitle");
       return aeTitle;
     });
-    const std::string stream = BytesOf(writer);
+    const std::string stream(reinterpret_cast<const char*>(writer.GetBuffer()), writer.GetCursor());
     // A new UID for every file, from the clock: taken from the stream, then checked.
     const std::string uid = stream.substr(62, static_cast<std::uint8_t>(stream.at(60)));
     const std::string uidText = uid.substr(0, uid.find('\0'));

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <functional>
 #include <string>
 
@@ -17,7 +16,7 @@ namespace {
 using Record = std::unique_ptr<DicomEngine::VRSequenceItem>;
 
 Record Patient() {
-  auto patient = HALVORINE_NEW(DicomDirPatient);
+  auto patient = Make<IDicomDirPatient>();
   patient->SetDicomPatName(Bstr("Doe^Jane").get());
   patient->SetPatientID(Bstr("ID7").get());
   patient->SetPatientSex(Bstr("F").get());
@@ -25,7 +24,7 @@ Record Patient() {
 }
 
 Record Study(DATE date) {
-  auto study = HALVORINE_NEW(DicomDirStudy);
+  auto study = Make<IDicomDirStudy>();
   study->SetStudyInstUID(Bstr("1.2.3").get());
   study->SetStudyID(Bstr("S1").get());
   study->SetInstitution(Bstr("Clinic").get());
@@ -34,7 +33,7 @@ Record Study(DATE date) {
 }
 
 Record Series() {
-  auto series = HALVORINE_NEW(DicomDirSeries);
+  auto series = Make<IDicomDirSeries>();
   series->SetModality(Bstr("CT").get());
   series->SetSeriesInstUID(Bstr("1.2").get());
   series->SetSeriesNumber(-1);
@@ -43,7 +42,7 @@ Record Series() {
 
 // The number's low 32 bits, taken as signed, are -2147483648: more than nine characters, whole.
 Record Image() {
-  auto image = HALVORINE_NEW(DicomDirImage);
+  auto image = Make<IDicomDirImage>();
   image->SetSOPClassUID(Bstr("1.2.840.10008.5.1.4.1.1.7").get());
   image->SetSOPInstanceUID(Bstr("1.2.3.4").get());
   image->SetTransferSyntaxUID(Bstr("1.2.840.10008.1.2.1").get());
@@ -52,15 +51,14 @@ Record Image() {
   return BuildImageRecord(*image.get(), "/out/Disc/DICOM/PA0/ST0/SE0/IM0", "/out/Disc");
 }
 
-using RecordBuilderTest = ObjectsReleasedTest;
+using RecordBuilderTest = ServiceTest;
 
 // The record as it goes into the file (WriteRecord): the item's header, the record's head, then
 // the elements. The study's null texts give empty elements.
 TEST_F(RecordBuilderTest, EveryRecordToTheByte) {
-  const auto ui = [](const char* text) { return std::string(text, std::strlen(text) + 1); };
   const std::string study =
       Encoded(0x0008, 0x0050, "SH", "") + Encoded(0x0008, 0x0080, "LO", "Clinic") +
-      Encoded(0x0008, 0x1030, "LO", "") + Encoded(0x0020, 0x000D, "UI", ui("1.2.3")) +
+      Encoded(0x0008, 0x1030, "LO", "") + Encoded(0x0020, 0x000D, "UI", "1.2.3") +
       Encoded(0x0020, 0x0010, "SH", "S1");
   const struct {
     std::function<Record()> build;
@@ -74,13 +72,13 @@ TEST_F(RecordBuilderTest, EveryRecordToTheByte) {
       {[] { return Study(45360.5); }, "STUDY ",  // 9 March 2024, 12:00
        Encoded(0x0008, 0x0020, "DA", "20240309") + Encoded(0x0008, 0x0030, "TM", "120000") + study},
       {Series, "SERIES",
-       Encoded(0x0008, 0x0060, "CS", "CT") + Encoded(0x0020, 0x000E, "UI", ui("1.2")) +
+       Encoded(0x0008, 0x0060, "CS", "CT") + Encoded(0x0020, 0x000E, "UI", "1.2") +
            Encoded(0x0020, 0x0011, "IS", "-1")},
       {Image, "IMAGE ",
-       Encoded(0x0004, 0x1500, "UI", ui("DICOM\\PA0\\ST0\\SE0\\IM0")) +
-           Encoded(0x0004, 0x1510, "UI", ui("1.2.840.10008.5.1.4.1.1.7")) +
-           Encoded(0x0004, 0x1511, "UI", ui("1.2.3.4")) +
-           Encoded(0x0004, 0x1512, "UI", ui("1.2.840.10008.1.2.1")) +
+       Encoded(0x0004, 0x1500, "UI", "DICOM\\PA0\\ST0\\SE0\\IM0") +
+           Encoded(0x0004, 0x1510, "UI", "1.2.840.10008.5.1.4.1.1.7") +
+           Encoded(0x0004, 0x1511, "UI", "1.2.3.4") +
+           Encoded(0x0004, 0x1512, "UI", "1.2.840.10008.1.2.1") +
            Encoded(0x0020, 0x0013, "IS", "-2147483648 ")},
   };
   for (const auto& c : cases) {
@@ -92,9 +90,8 @@ TEST_F(RecordBuilderTest, EveryRecordToTheByte) {
                                 Encoded(0x0004, 0x1410, "US", LittleEndian(0xFFFF, 2)) +
                                 Encoded(0x0004, 0x1420, "UL", LittleEndian(0, 4)) +
                                 Encoded(0x0004, 0x1430, "CS", c.type) + c.elements;
-    EXPECT_EQ(DicomEngine::HexOf(BytesOf(writer)),
-              DicomEngine::HexOf(std::string("\xFE\xFF\x00\xE0", 4) +
-                                 LittleEndian(std::uint32_t(content.size()), 4) + content));
+    EXPECT_EQ(DicomEngine::StreamOf(writer),
+              DicomEngine::HexOf(ElementHeader(0xFFFE, 0xE000, "", content.size()) + content));
   }
 }
 

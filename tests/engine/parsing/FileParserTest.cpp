@@ -9,6 +9,7 @@
 #include "RaisedMessage.h"
 #include "TempFolder.h"
 #include "engine/elements/DicomData.h"
+#include "engine/encoding/ElementBytes.h"
 #include "support/TextConversion.h"
 
 namespace DicomEngine {
@@ -20,14 +21,11 @@ using halvorine::ToWide;
 
 const std::string kMarked = std::string(128, '\0') + "DICM";
 // (0002,0000) UL 4 in explicit form: its sixth byte is the 'L' of "UL".
-const std::string kGroupLength = std::string("\x02\x00\x00\x00UL\x04\x00\x00\x00\x00\x00", 12);
+const std::string kGroupLength = halvorine::Encoded(0x0002, 0x0000, "UL", std::string(4, '\0'));
 
-// (0008,0005) in implicit form with the given 32-bit length and as many value bytes.
+// (0008,0005) in implicit form with the given length and as many value bytes.
 std::string ImplicitCharacterSet(std::uint32_t length) {
-  const std::string header = {
-      0x08, 0x00, 0x05, 0x00, static_cast<char>(length & 0xFF), static_cast<char>(length >> 8),
-      0x00, 0x00};
-  return header + std::string(length, 'A');
+  return halvorine::ElementHeader(0x0008, 0x0005, "", length, true) + std::string(length, 'A');
 }
 
 // "offset vrField elements" after Open and Parse, the VR field of group 8 telling the first

@@ -12,41 +12,38 @@
 #include "engine/EngineTestSupport.h"
 #include "engine/dictionary/DicomDictionary.h"
 #include "engine/elements/DicomData.h"
+#include "engine/encoding/ElementBytes.h"
 #include "support/TextConversion.h"
 #include "support/TraceLog.h"
 
 namespace DicomEngine {
 namespace {
 
+using halvorine::ElementHeader;
 using halvorine::IsPlaced;
+using halvorine::LittleEndian;
 using halvorine::RaisedMessage;
 using Texts = std::vector<std::string>;
 
-constexpr SyntaxRecord kUnset;
+constexpr SyntaxRecord kUnset, ex = kExplicitLittleEndian, im = kImplicitLittleEndian;
 const char kTooShort[] = "The buffer is not long enough to perform the requested read operation.";
 
-std::string U16(std::uint16_t value) {
-  return {static_cast<char>(value & 0xFF), static_cast<char>(value >> 8)};
-}
-std::string U32(std::uint32_t value) { return U16(value & 0xFFFF) + U16(value >> 16); }
-std::string Tag(std::uint16_t group, std::uint16_t element) { return U16(group) + U16(element); }
+std::string U16(std::uint16_t value) { return LittleEndian(value, 2); }
 
-// Tag, VR and length in the given syntax's form; code may be any two bytes.
+// Tag, VR and length in the given syntax's form; an unset syntax has a VR and a 32-bit length.
 std::string Header(SyntaxRecord syntax, std::uint16_t group, std::uint16_t element,
                    const std::string& code, std::uint32_t length) {
-  if (syntax.vrForm == kImplicitVR) return Tag(group, element) + U32(length);
-  if (syntax.vrForm == 0) return Tag(group, element) + code + U32(length);
-  const bool longForm = code == "OB" || code == "OW" || code == "SQ" || code == "UN" ||
-                        code == "UT" || code == std::string(2, '\0');
-  return Tag(group, element) + code + (longForm ? U16(0) + U32(length) : U16(length));
+  if (syntax.vrForm != 0)
+    return ElementHeader(group, element, code, length, syntax.vrForm == kImplicitVR);
+  return LittleEndian(group, 2) + LittleEndian(element, 2) + code + LittleEndian(length, 4);
 }
 std::string Element(SyntaxRecord syntax, std::uint16_t group, std::uint16_t element,
                     const std::string& code, const std::string& value) {
   return Header(syntax, group, element, code, static_cast<std::uint32_t>(value.size())) + value;
 }
-std::string Item(std::uint32_t length) { return Tag(kItemGroup, kItem) + U32(length); }
-const std::string kItemEnd = Tag(kItemGroup, kItemDelimiter) + U32(0);
-const std::string kSequenceEnd = Tag(kItemGroup, kSequenceDelimiter) + U32(0);
+std::string Item(std::uint32_t length) { return ElementHeader(kItemGroup, kItem, "", length); }
+const std::string kItemEnd = ElementHeader(kItemGroup, kItemDelimiter, "", 0);
+const std::string kSequenceEnd = ElementHeader(kItemGroup, kSequenceDelimiter, "", 0);
 
 const std::string kPatientText = "(0010, 0010) VR=PN Length=8<=>0x8 Value=[Doe^John]";
 std::string Patient(SyntaxRecord syntax) {
@@ -76,17 +73,15 @@ class ParserTest : public testing::Test {
   }
 };
 
-constexpr SyntaxRecord ex = kExplicitLittleEndian, im = kImplicitLittleEndian;
-
 // Each case's bytes are followed by the patient's name, which shows where the cursor stood. Codes,
 // lengths and texts that the files of FileParserDcmtkTest hold are left to it.
 TEST_F(ParserTest, ElementsAreMadeAndConsumedAsTheirCodeSays) {
   const std::string longText(0xFFFF, 'A');
   const std::string sequenceEnd = "\r\n(FFFE, E0DD) VR= Length=0<=>0x0";
   const std::pair<std::string, Texts> cases[] = {
-      // OT has the short form and is binary; a VR of NUL bytes is UN.
+      // OT has the short form and is binary; a VR of NUL bytes is UN, with its long form.
       {Element(ex, 0x0009, 0x1001, "OT", "ab") +
-           Element(ex, 0x0009, 0x1002, std::string(2, '\0'), "ab"),
+           Element(kUnset, 0x0009, 0x1002, std::string(4, '\0'), "ab"),
        {"(0009, 1001) VR=OT Length=2<=>0x2 Value=BINARY Length=[2<=>0x2]",
         "(0009, 1002) VR=UN Length=2<=>0x2 Value=BINARY Length=[2<=>0x2]"}},
       // US of 3 bytes reads two numbers from 4; AT under 4 bytes reads nothing.
