@@ -12,6 +12,7 @@
 #include <sstream>
 #include <vector>
 
+#include "RaisedMessage.h"
 #include "TempFolder.h"
 #include "platform/BString.h"
 #include "platform/SafeArrayPtr.h"
@@ -159,11 +160,15 @@ std::string LoadedTree(SAFEARRAY* patients) {
 }
 
 std::string LoadTree(const std::string& folder) {
-  RecordOffsetIndex index;
   SafeArrayPtr patients;
-  DirectoryReader(index, kCreators, ToWide(folder))
-      .ReadDirectory(folder + "/DICOMDIR", patients.Receive());
-  return LoadedTree(patients.get());
+  const std::string message = RaisedMessage([&] {
+    RecordOffsetIndex index;
+    DirectoryReader(index, kCreators, ToWide(folder))
+        .ReadDirectory(folder + "/DICOMDIR", patients.Receive());
+  });
+  if (message == "nothing raised") return LoadedTree(patients.get());
+  EXPECT_EQ(patients.get(), nullptr) << "a failed load handed out a tree";
+  return "!" + message;
 }
 
 std::string DcmdumpTree(const std::string& folder) {

@@ -7,9 +7,7 @@
 
 #include <halvorine/com.h>
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
 #include "DicomDirVariants.h"
 #include "reading/RecordMapper.h"
@@ -26,8 +24,8 @@ inline constexpr RecordCreators kCreators = {
 
 std::string LoadedTree(SAFEARRAY* patients);
 
-// The tree that DirectoryReader loads from folder/DICOMDIR, and the one that "dcmdump -Un +L"
-// shows, following its links from (0004,1200) by the offsets that dcmdump gives each record.
+// The tree that DirectoryReader loads from folder/DICOMDIR, or the failure's text with "!" in
+// front (a failed load hands out no tree); and the one that "dcmdump -Un +L" shows, following its links from (0004,1200) by the offsets that dcmdump gives each record.
 std::string LoadTree(const std::string& folder);
 std::string DcmdumpTree(const std::string& folder);
 
