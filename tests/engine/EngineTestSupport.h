@@ -86,60 +86,47 @@ inline std::string Row(const std::string& indent, std::string tag, const std::st
          " #" + length;
 }
 
-template <typename Numbers>
-std::string Joined(const Numbers& numbers, const char* format) {
-  std::string text;
-  for (const auto number : numbers) {
-    text += (text.empty() ? "" : "\\") + halvorine::FormatBounded(32, format, number);
-  }
-  return text;
-}
-
-template <typename Element>
-bool JoinedNumbers(const VR& element, const char* format, std::string* value) {
-  const auto* numbers = dynamic_cast<const Element*>(&element);
-  if (numbers != nullptr) *value = Joined(numbers->values, format);
-  return numbers != nullptr;
-}
-
-// The value as dcmdump shows it.
+// The value as dcmdump shows it. Numbers and tags come from the element's text, which the
+// element classes' tests pin: "Value=[-2<=>0xFFFFFFFE]", "Value=[1.500000<=>...]" and
+// "Value=[(18, 1063)]".
 inline std::string ValueOf(const VR& element) {
+  std::string value;
+  const auto add = [&value](const std::string& part) {
+    value += (value.empty() ? "" : "\\") + part;
+  };
   if (const auto* text = dynamic_cast<const VRString*>(&element)) {
-    std::string value = text->GetValue();
+    value = text->GetValue();
     value.erase(value.find_last_not_of(' ') + 1);
     return value.empty() ? "(no value available)" : "[" + value + "]";
   }
   if (const auto* binary = dynamic_cast<const VRBinary*>(&element)) {
     const bool words = element.vrCode == "OW";
-    std::vector<unsigned> units;
     for (std::uint32_t at = 0; at < element.length; at += words ? 2 : 1) {
       const std::uint8_t* bytes = binary->GetData() + at;
-      units.push_back(words ? bytes[0] | bytes[1] << 8 : bytes[0]);
+      add(halvorine::FormatBounded(8, words ? "%04x" : "%02x",
+                                   words ? bytes[0] | bytes[1] << 8 : bytes[0]));
     }
-    return units.empty() ? "(no value available)" : Joined(units, words ? "%04x" : "%02x");
+    return value.empty() ? "(no value available)" : value;
   }
   if (const auto* fragments = dynamic_cast<const VRSequence*>(&element);
       fragments != nullptr && element.vrCode != "SQ") {
     return "(PixelSequence #=" + std::to_string(fragments->Elements().size() - 1) + ")";
   }
-  std::string value;
-  if (dynamic_cast<const VRAttributeTag*>(&element) != nullptr) {
-    // The tags are held privately; their text shows them.
-    const std::string text = element.ToString();
-    const std::regex tag(R"(Value=\[\(([0-9a-f]+), ([0-9a-f]+)\))");
-    for (auto found = std::sregex_iterator(text.begin(), text.end(), tag);
-         found != std::sregex_iterator(); ++found) {
-      value += (value.empty() ? "" : "\\") +
-               halvorine::FormatBounded(16, "(%04lx,%04lx)", std::stoul((*found)[1], nullptr, 16),
-                                        std::stoul((*found)[2], nullptr, 16));
+  if (dynamic_cast<const VRContainer*>(&element) != nullptr) return "";
+  const std::string text = element.ToString();
+  static const std::regex kValue(R"(Value=\[(\(([0-9a-f]+), ([0-9a-f]+)\)|[^<\]]*))");
+  for (auto found = std::sregex_iterator(text.begin(), text.end(), kValue);
+       found != std::sregex_iterator(); ++found) {
+    const std::string number = (*found)[1];
+    if ((*found)[2].matched) {
+      add(halvorine::FormatBounded(16, "(%04lx,%04lx)", std::stoul((*found)[2], nullptr, 16),
+                                   std::stoul((*found)[3], nullptr, 16)));
+    } else {
+      add(number.find('.') == std::string::npos
+              ? number
+              : halvorine::FormatBounded(32, "%g", std::stod(number)));
     }
-    return value;
   }
-  JoinedNumbers<UnsignedShortVR>(element, "%u", &value) ||
-      JoinedNumbers<SignedShortVR>(element, "%d", &value) ||
-      JoinedNumbers<UnsignedIntegerVR>(element, "%u", &value) ||
-      JoinedNumbers<IntegerVR>(element, "%d", &value) ||
-      JoinedNumbers<DoubleVR>(element, "%g", &value);
   return value;
 }
 
