@@ -56,28 +56,16 @@ TEST_F(DicomDirImplTest, LoadChecksItsArgumentsThenFindsTheFileOrSaysWhy) {
   const TempFolder folder;
   std::filesystem::create_directory(folder.Path("DICOMDIR"));
   WriteWholeFile(folder.Path("DICOMDIR/dicomdir"), "not parsed yet");
-  const struct {
-    std::string directory;
-    char form;  // '=': the description; 'r': raised in DicomDirImpl; '~': a text that it holds
-    std::string text;
-  } cases[] = {
-      {"/no/such/folder/", 'r', "Can't open folder /no/such/folder"},
-      {folder.Path(), '=', "No DICOMDIR file found in the specified directory."},
-      {folder.Path("DICOMDIR"), '~', "The parser buffer is NULL."},
-  };
-  for (const auto& c : cases) {
+  const auto failure = [&](const std::string& directory) {
     const HRESULT status =
-        service_->LoadDicomDir(Text(ToWide(c.directory)).get(), patients.Receive());
-    EXPECT_EQ(patients.get(), nullptr) << c.directory;
-    const std::string description = Failure(status, E_FAIL);
-    if (c.form == '=') {
-      EXPECT_EQ(description, c.text);
-    } else if (c.form == 'r') {
-      EXPECT_TRUE(IsRaised(description, c.text)) << description;
-    } else {
-      EXPECT_NE(description.find(c.text), std::string::npos) << description;
-    }
-  }
+        service_->LoadDicomDir(Text(ToWide(directory)).get(), patients.Receive());
+    EXPECT_EQ(patients.get(), nullptr) << directory;
+    return Failure(status, E_FAIL);
+  };
+  EXPECT_PRED2(IsRaised, failure("/no/such/folder/"), "Can't open folder /no/such/folder");
+  EXPECT_EQ(failure(folder.Path()), "No DICOMDIR file found in the specified directory.");
+  const std::string unparsed = failure(folder.Path("DICOMDIR"));
+  EXPECT_NE(unparsed.find("The parser buffer is NULL."), std::string::npos) << unparsed;
 }
 
 // The disc itself is the writer's affair (tests/writing); here, what reaches the host.
@@ -95,24 +83,20 @@ TEST_F(DicomDirImplTest, CreateChecksItsArgumentsInOrderThenMakesTheDiscOrSaysWh
         given > 2 ? patients.get() : nullptr, nullptr, VARIANT_TRUE, nullptr);
     EXPECT_EQ(Failure(status, E_POINTER), messages[given]);
   }
-  for (const std::string& directory : {folder.Path(), folder.Path("missing")}) {
+  const auto create = [&](const std::string& directory) {
     BString output;
     const HRESULT status =
         service_->CreateDicomDir(Text(ToWide(directory)).get(), title.get(), patients.get(),
                                  output.Receive(), VARIANT_FALSE, nullptr);
     EXPECT_EQ(ToNarrow(output.get()), directory + "/T");
-    if (directory == folder.Path()) {
-      EXPECT_EQ(status, S_OK) << ToNarrow(TakeFailureDescription());
-      EXPECT_TRUE(std::filesystem::is_regular_file(directory + "/T/DICOMDIR"));
-    } else {
-      const std::string description = Failure(status, E_FAIL);
-      EXPECT_TRUE(IsRaised(description,
-                           "Failed to create directory because the path was not found. \r\nThe "
-                           "directory name: " +
-                               directory + "/T"))
-          << description;
-    }
-  }
+    return status;
+  };
+  EXPECT_EQ(create(folder.Path()), S_OK) << ToNarrow(TakeFailureDescription());
+  EXPECT_TRUE(std::filesystem::is_regular_file(folder.Path("T/DICOMDIR")));
+  EXPECT_PRED2(IsRaised, Failure(create(folder.Path("missing")), E_FAIL),
+               "Failed to create directory because the path was not found. \r\nThe directory "
+               "name: " +
+                   folder.Path("missing/T"));
 }
 
 TEST_F(DicomDirImplTest, AnInstanceFillsTheViewerListAndDestroyingAnyEmptiesIt) {
