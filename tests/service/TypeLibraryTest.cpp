@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
+#include <algorithm>
 #include <regex>
 #include <string>
 #include <vector>
@@ -21,7 +21,7 @@ namespace {
 struct Method {
   std::string name;
   std::vector<std::string> arguments;
-  std::string helpText;  // the IDL's only
+  std::string helpText;
 };
 
 struct Definition {
@@ -55,31 +55,17 @@ std::string Attribute(const std::string& attributes, const std::string& name) {
   return std::regex_search(attributes, value, form) ? value[1].str() : "(none)";
 }
 
-// The interfaces of the header in their order, with their methods in slot order.
-std::map<std::string, std::vector<Method>> HeaderInterfaces() {
-  const std::string text = ReadWholeFile(HEADER_PATH);
-  static const std::regex kInterface(R"(struct (\w+) : IUnknown \{([\s\S]*?)\n protected:)");
-  static const std::regex kMethod(R"(virtual HRESULT (\w+)\(([^\)]*)\) = 0;)");
-  std::map<std::string, std::vector<Method>> interfaces;
-  for (std::sregex_iterator at(text.begin(), text.end(), kInterface), end; at != end; ++at) {
-    const std::string body = (*at)[2];
-    std::vector<Method>& methods = interfaces[(*at)[1]];
-    for (std::sregex_iterator m(body.begin(), body.end(), kMethod); m != end; ++m) {
-      methods.push_back({(*m)[1], ArgumentNames((*m)[2]), ""});
-    }
-  }
-  return interfaces;
-}
-
-std::vector<Definition> IdlDefinitions(const std::string& kind) {
-  const std::string text = ReadWholeFile(IDL_PATH);
-  const std::regex definition(R"(\[([^\]]*)\]\s*)" + kind + R"( (\w+)[^\{;]*\{([\s\S]*?)\n\s*\};)");
-  static const std::regex kMethod(R"(\[([^\]]*)\]\s*HRESULT (\w+)\(([^;]*)\);)");
+// The definitions of a file in their order, each with its methods in slot order. Both forms
+// capture the attributes, the name and the body or the arguments, in that order.
+std::vector<Definition> Definitions(const char* path, const std::string& definitionForm,
+                                    const std::string& methodForm) {
+  const std::string text = ReadWholeFile(path);
+  const std::regex definition(definitionForm), method(methodForm);
   std::vector<Definition> definitions;
   for (std::sregex_iterator at(text.begin(), text.end(), definition), end; at != end; ++at) {
     Definition entry{(*at)[2], Attribute((*at)[1], "uuid"), Attribute((*at)[1], "helpstring"), {}};
     const std::string body = (*at)[3];
-    for (std::sregex_iterator m(body.begin(), body.end(), kMethod); m != end; ++m) {
+    for (std::sregex_iterator m(body.begin(), body.end(), method); m != end; ++m) {
       entry.methods.push_back(
           {(*m)[2], ArgumentNames((*m)[3]), Attribute((*m)[1].str(), "helpstring")});
     }
@@ -88,9 +74,16 @@ std::vector<Definition> IdlDefinitions(const std::string& kind) {
   return definitions;
 }
 
+std::vector<Definition> IdlDefinitions(const std::string& kind) {
+  return Definitions(IDL_PATH, R"(\[([^\]]*)\]\s*)" + kind + R"( (\w+)[^\{;]*\{([\s\S]*?)\n\s*\};)",
+                     R"(\[([^\]]*)\]\s*HRESULT (\w+)\(([^;]*)\);)");
+}
+
 TEST(TypeLibrary, InterfacesAgreeWithTheHeaderAndTheIdl) {
   const TypeLibrary& library = DicomDirLib();
-  const auto header = HeaderInterfaces();
+  const std::vector<Definition> header =
+      Definitions(HEADER_PATH, R"(()struct (\w+) : IUnknown \{([\s\S]*?)\n protected:)",
+                  R"(()virtual HRESULT (\w+)\(([^\)]*)\) = 0;)");
   const std::vector<Definition> idl = IdlDefinitions("interface");
   ASSERT_EQ(idl.size(), library.interfaces.size());
   EXPECT_EQ(header.size(), library.interfaces.size());
@@ -101,8 +94,10 @@ TEST(TypeLibrary, InterfacesAgreeWithTheHeaderAndTheIdl) {
     EXPECT_EQ(idl[i].name, name);
     EXPECT_EQ(idl[i].uuid, Uuid(entry.iid));
     EXPECT_EQ(idl[i].helpText, ToNarrow(InterfaceHelpText(entry)));
-    ASSERT_EQ(header.count(name), 1u);
-    const std::vector<Method>& declared = header.at(name);
+    const auto in =
+        std::find_if(header.begin(), header.end(), [&](auto& d) { return d.name == name; });
+    ASSERT_NE(in, header.end());
+    const std::vector<Method>& declared = in->methods;
     ASSERT_EQ(entry.methods.size(), declared.size());
     ASSERT_EQ(idl[i].methods.size(), declared.size());
     for (std::size_t slot = 0; slot < declared.size(); ++slot) {
