@@ -1,5 +1,8 @@
 #include "DiscTestSupport.h"
 
+#include <algorithm>
+#include <filesystem>
+
 #include "TempFolder.h"
 #include "reading/ReadingTestSupport.h"
 #include "support/TextConversion.h"
@@ -18,6 +21,15 @@ void Put(const SafeArrayPtr& array, LONG index, IUnknown* element) {
 }  // namespace
 
 BString Bstr(const std::string& narrowText) { return BString::Copy(ToWide(narrowText)); }
+
+std::vector<std::string> Entries(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    names.push_back(std::filesystem::relative(entry.path(), folder).string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
 
 SafeArrayPtr MakeTree(const TreeShape& shape, const std::string& imageSource, LONG lowerBound) {
   SafeArrayPtr patients = ArrayOfSize(shape.size(), lowerBound);

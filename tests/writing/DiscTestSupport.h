@@ -13,6 +13,9 @@ namespace halvorine {
 
 BString Bstr(const std::string& narrowText);
 
+// The paths of everything below folder, relative to it, in byte order.
+std::vector<std::string> Entries(const std::string& folder);
+
 // Patients, their studies, their series, and the count of images in each series.
 using TreeShape = std::vector<std::vector<std::vector<int>>>;
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "DiscTestSupport.h"
 #include "RaisedMessage.h"
 #include "TempFolder.h"
 
@@ -23,14 +24,6 @@ const std::vector<std::string> kRows = {
 std::vector<std::string> Sorted(std::vector<std::string> names) {
   std::sort(names.begin(), names.end());
   return names;
-}
-
-std::vector<std::string> Names(const std::string& folder) {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder)) {
-    names.push_back(entry.path().filename().string());
-  }
-  return Sorted(names);
 }
 
 // The host's folder with every file of the package, under its plain name and in culture "xx".
@@ -63,14 +56,14 @@ TEST_F(ViewerPackageTest, TheCultureDecidesNamesAndRows) {
     expected[8] = culture.empty() ? "" : "LumbrelAssets.xx.dll";
     expected[9] = culture.empty() ? "LumbrelHelp.chm" : "LumbrelHelp.xx.chm";
     std::erase(expected, "");
-    EXPECT_EQ(Names(disc_), Sorted(expected));
+    EXPECT_EQ(Entries(disc_), Sorted(expected));
     EXPECT_EQ(ReadWholeFile(disc_ + "/" + expected[8]), expected[8]);
   }
   EmptyViewerFileList();
   fs::remove_all(disc_);
   fs::create_directory(disc_);
   CopyViewerPackage(FileSystem::Posix(), host_, disc_, "xx");
-  EXPECT_TRUE(Names(disc_).empty());
+  EXPECT_TRUE(Entries(disc_).empty());
 }
 
 TEST_F(ViewerPackageTest, TheFirstFailingCopyEndsTheRun) {
@@ -82,7 +75,7 @@ TEST_F(ViewerPackageTest, TheFirstFailingCopyEndsTheRun) {
                            disc_ + "/Quorl8.dll\r\nWindows last error=17",
                        "DicomDirImpl"))
       << message;
-  EXPECT_EQ(Names(disc_), Sorted({"Lumbrel.exe", "DicomDir.dll", "Tessarine.dll", "Quorl8.dll"}));
+  EXPECT_EQ(Entries(disc_), Sorted({"Lumbrel.exe", "DicomDir.dll", "Tessarine.dll", "Quorl8.dll"}));
   EXPECT_EQ(ReadWholeFile(disc_ + "/Quorl8.dll"), "the disc's own");
 }
 
