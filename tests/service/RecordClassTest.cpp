@@ -181,7 +181,9 @@ TEST_F(RecordClassTest, ArraysAreCopiesThatHoldTheirElements) {
     SafeArrayPtr first, second;
     EXPECT_EQ(patient->GetStudies(first.Receive()), S_OK);
     EXPECT_EQ(patient->GetStudies(second.Receive()), S_OK);
-    EXPECT_EQ(Elements(first.get()), (std::vector<IUnknown*>{&a, nullptr, &b}));
+    std::vector<IUnknown*> elements;
+    ForEachElement(first.get(), [&](LONG, IUnknown* element) { elements.push_back(element); });
+    EXPECT_EQ(elements, (std::vector<IUnknown*>{&a, nullptr, &b}));
     EXPECT_EQ(a.references(), 3u) << "each get hands out a copy of its own";
     first = SafeArrayPtr();
     second = SafeArrayPtr();

@@ -39,19 +39,6 @@ SafeArrayPtr ArrayOf(std::initializer_list<IUnknown*> elements) {
   return array;
 }
 
-std::vector<IUnknown*> Elements(SAFEARRAY* array) {
-  std::vector<IUnknown*> elements;
-  LONG lower = 0, upper = -1;
-  EXPECT_EQ(SafeArrayGetLBound(array, 1, &lower), S_OK);
-  EXPECT_EQ(SafeArrayGetUBound(array, 1, &upper), S_OK);
-  for (LONG index = lower; index <= upper; ++index) {
-    ComPtr<IUnknown> element;
-    EXPECT_EQ(SafeArrayGetElement(array, &index, element.Receive()), S_OK);
-    elements.push_back(element.get());
-  }
-  return elements;
-}
-
 std::u16string TakeFailureDescription(std::u16string_view expectedSource) {
   ComPtr<IErrorInfo> record;
   if (GetErrorInfo(0, record.Receive()) != S_OK || !record) return u"(none)";

@@ -10,7 +10,6 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/BString.h"
 #include "platform/ComPtr.h"
@@ -72,9 +71,6 @@ BString Text(std::u16string_view text);
 
 // An array of the given elements, each with the reference that the array adds.
 SafeArrayPtr ArrayOf(std::initializer_list<IUnknown*> elements);
-
-// The elements of an array, without references of their own.
-std::vector<IUnknown*> Elements(SAFEARRAY* array);
 
 // The description in the calling thread's error record, taken over from GetErrorInfo, or
 // "(none)". Checks the fields that every record of the service has: the interface
