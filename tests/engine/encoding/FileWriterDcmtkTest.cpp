@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <string>
 
 #include "TempFolder.h"
 #include "engine/EngineTestSupport.h"
