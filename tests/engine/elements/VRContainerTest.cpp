@@ -19,14 +19,9 @@ namespace {
 using halvorine::IsPlaced;
 using halvorine::RaisedMessage;
 
-struct Tag {
-  std::uint16_t group;
-  std::uint16_t element;
-};
-
-std::unique_ptr<VR> Text(Tag tag, std::string value = "ABCD") {
+std::unique_ptr<VR> Text(std::uint16_t group, std::uint16_t element, std::string value = "ABCD") {
   const auto length = static_cast<std::uint32_t>(value.size());
-  return std::make_unique<VRString>("LO", tag.group, tag.element, length, std::move(value));
+  return std::make_unique<VRString>("LO", group, element, length, std::move(value));
 }
 
 // "(0002,0000) (0002,0010)": the tags in list order.
@@ -49,13 +44,13 @@ const std::string kReinsertXY =
 TEST(VRContainerTest, FindAndAppendFollowTheDuplicateRule) {
   DicomData data(false);
   EXPECT_EQ(data.Find(0x0010, 0x0010), nullptr);
-  data.Append(Text({0x0010, 0x0010}), true);
-  data.Append(Text({0x0010, 0x0010}, ""), true);
-  data.Append(Text({0x0010, 0x0010}), false);
+  data.Append(Text(0x0010, 0x0010), true);
+  data.Append(Text(0x0010, 0x0010, ""), true);
+  data.Append(Text(0x0010, 0x0010), false);
   data.Append(nullptr, true);
   EXPECT_EQ(TagsOf(data), "(0010,0010) (0010,0010) (0010,0010)");
   EXPECT_EQ(data.Find(0x0010, 0x0010), data.Elements()[0].get());
-  std::unique_ptr<VR> duplicate = Text({0x0010, 0x0010}, "XY");
+  std::unique_ptr<VR> duplicate = Text(0x0010, 0x0010, "XY");
   EXPECT_PRED3(IsPlaced, RaisedMessage([&] { data.Append(std::move(duplicate), true); }),
                kReinsertXY, "VRContainer");
   EXPECT_NE(duplicate, nullptr) << "a refused element stays with the caller";
@@ -64,7 +59,7 @@ TEST(VRContainerTest, FindAndAppendFollowTheDuplicateRule) {
   const std::string start =
       "Attempt to reinsert an existing VR. \r\nVR= (0010, 0010) VR=LO Length=400<=>0x190 Value=[";
   EXPECT_PRED3(IsPlaced, RaisedMessage([&] {
-                 data.Append(Text({0x0010, 0x0010}, std::string(400, 'x')), true);
+                 data.Append(Text(0x0010, 0x0010, std::string(400, 'x')), true);
                }),
                start + std::string(255 - start.size(), 'x'), "VRContainer");
 }
@@ -92,28 +87,25 @@ TEST(VRContainerTest, InsertKeepsTagOrderAndMakesGroupLengths) {
   };
   for (const auto& test : cases) {
     DicomData data(test.addGroupLengths);
-    for (const std::uint32_t tag : test.inserts)
-      data.Insert(Text({std::uint16_t(tag >> 16), std::uint16_t(tag)}));
+    for (const std::uint32_t tag : test.inserts) data.Insert(Text(tag >> 16, tag & 0xFFFF));
     data.Insert(nullptr);
     EXPECT_EQ(TagsOf(data), test.tags);
   }
   DicomData data(true);
-  data.Insert(Text({0x0010, 0x0010}));
-  EXPECT_PRED3(IsPlaced, RaisedMessage([&] {
-                 data.Insert(Text({0x0010, 0x0010}, "XY"));
-               }),
+  data.Insert(Text(0x0010, 0x0010));
+  EXPECT_PRED3(IsPlaced, RaisedMessage([&] { data.Insert(Text(0x0010, 0x0010, "XY")); }),
                kReinsertXY, "VRContainer");
-  data.Insert(Text({0x0010, 0x0010}, ""));
+  data.Insert(Text(0x0010, 0x0010, ""));
   EXPECT_EQ(TagsOf(data), "(0010,0000) (0010,0010) (0010,0010)");
 }
 
 TEST(VRContainerTest, WriteElementsPatchesGroupLengthsAndNotesOffsets) {
   DicomData data(true);
-  data.Insert(Text({0x0002, 0x0010}, "1.2.840.10008.1.2.1"));
-  data.Insert(Text({0x0004, 0x1130}));
-  data.Insert(Text({0x0005, 0x0010}));
-  data.Append(Text({0x0006, 0x0010}), true);
-  data.Insert(Text({0x001F, 0x0010}));
+  data.Insert(Text(0x0002, 0x0010, "1.2.840.10008.1.2.1"));
+  data.Insert(Text(0x0004, 0x1130));
+  data.Insert(Text(0x0005, 0x0010));
+  data.Append(Text(0x0006, 0x0010), true);
+  data.Insert(Text(0x001F, 0x0010));
   BufferWriter writer("1.2.840.10008.1.2.1");
   writer.WriteUnsignedLong(0);
   OffsetMap offsets = {{0x00100002, 999}};
