@@ -11,7 +11,7 @@
 #include "ReadingTestSupport.h"
 #include "engine/elements/VRNumeric.h"
 #include "engine/elements/VRSequenceItem.h"
-#include "engine/elements/VRString.h"
+#include "engine/elements/VRUniqueIdentifier.h"
 #include "service/ModuleLock.h"
 #include "support/TextConversion.h"
 
@@ -46,11 +46,9 @@ class RecordMapperTest : public ::testing::Test {
     DicomEngine::VRSequenceItem item("", 0xFFFE, 0xE000, 0);
     if (type != nullptr) texts.insert(texts.begin(), {0x0004, 0x1430, type});
     for (const auto& [group, element, value] : texts) {
-      item.Append(value == "#"
-                      ? std::unique_ptr<DicomEngine::VR>(
-                            new DicomEngine::UnsignedIntegerVR("UL", group, element, 4, 7u))
-                      : std::make_unique<DicomEngine::VRString>("LO", group, element,
-                                                                std::uint32_t(value.size()), value),
+      item.Append(value == "#" ? std::make_unique<DicomEngine::UnsignedIntegerVR>("UL", group,
+                                                                                  element, 4, 7u)
+                               : DicomEngine::MakeText("LO", group, element, value),
                   false);
     }
     return mapper_.MapRecord(RecordValues(item), 400, children);

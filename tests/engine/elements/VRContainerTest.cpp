@@ -9,7 +9,7 @@
 #include "RaisedMessage.h"
 #include "engine/elements/DicomData.h"
 #include "engine/elements/VRNumeric.h"
-#include "engine/elements/VRString.h"
+#include "engine/elements/VRUniqueIdentifier.h"
 #include "engine/encoding/HexText.h"
 #include "support/MyException.h"
 
@@ -20,8 +20,7 @@ using halvorine::IsPlaced;
 using halvorine::RaisedMessage;
 
 std::unique_ptr<VR> Text(std::uint16_t group, std::uint16_t element, std::string value = "ABCD") {
-  const auto length = static_cast<std::uint32_t>(value.size());
-  return std::make_unique<VRString>("LO", group, element, length, std::move(value));
+  return MakeText("LO", group, element, std::move(value));
 }
 
 // "(0002,0000) (0002,0010)": the tags in list order.
