@@ -11,7 +11,6 @@
 #include "TempFolder.h"
 #include "platform/ModulePath.h"
 #include "reading/ReadingTestSupport.h"
-#include "support/SettingsHelper.h"
 #include "support/TextConversion.h"
 #include "writing/ViewerPackage.h"
 
@@ -24,19 +23,18 @@ const std::string kImage("image bytes\0\xFF", 13);
 
 class DiscBuilderTest : public ServiceTest {
  protected:
-  void SetUp() override {
-    WriteWholeFile(source_, kImage);
-    WriteWholeFile(temp_.Path("settings.config"), "<add key=\"AeTitle\" value=\"HALVORINE\"/>");
-    settings_.Load(temp_.Path("settings.config"));
-  }
+  void SetUp() override { WriteWholeFile(source_, kImage); }
 
   // Builds the disc "Disc" of a tree below directory; the failure's text, or "nothing raised".
-  // The test's own settings table stands in for the one that the process loads by that name.
+  // The test's own AeTitle stands in for the settings file that the process loads by that name.
   std::string Build(const SafeArrayPtr& patients, const std::string& directory,
                     VARIANT_BOOL copyViewer = VARIANT_FALSE) {
     const SettingsAccess settings = {
         [](const std::string& name) { EXPECT_EQ(name, "LumbrelUI.exe.config"); },
-        [this](const std::string& key) { return settings_.Get(key); }};
+        [](const std::string& key) {
+          EXPECT_EQ(key, "AeTitle");
+          return std::string("HALVORINE");
+        }};
     BString output;
     const std::string message = RaisedMessage([&] {
       DiscBuilder(FileSystem::Posix(), settings)
@@ -50,7 +48,6 @@ class DiscBuilderTest : public ServiceTest {
   TempFolder temp_;
   const std::string source_ = temp_.Path("image");
   const std::string disc_ = temp_.Path("Disc");
-  SettingsHelper settings_;
 };
 
 // P1 { S1 { E1 { I1 I2 } E2 { } } S2 { } } P2 { S1 { E1 { I1 } } }: the folders, the copies, and a
