@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ServiceTestSupport.h"
+#include "platform/com/CountingUnknown.h"
 #include "service/ModuleLock.h"
 
 namespace halvorine {

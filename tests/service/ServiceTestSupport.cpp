@@ -22,11 +22,6 @@ void MakeObject(REFCLSID clsid, REFIID riid, void** out) {
   }
 }
 
-ULONG References(IUnknown* object) {
-  object->AddRef();
-  return object->Release();
-}
-
 BString Text(std::u16string_view text) { return BString::Copy(text); }
 
 SafeArrayPtr ArrayOf(std::initializer_list<IUnknown*> elements) {

@@ -63,9 +63,6 @@ ComPtr<Interface> Make() {
   return object;
 }
 
-// The references that object holds now.
-ULONG References(IUnknown* object);
-
 // A wide text as BSTR, counted so that it may hold NULs.
 BString Text(std::u16string_view text);
 

@@ -1,5 +1,6 @@
 // An IUnknown held by the test itself, which counts its references so that a test sees every
-// AddRef and Release that a runtime call makes on it. Release never deletes it.
+// AddRef and Release that a runtime call makes on it. Release never deletes it. References reads
+// the count of any object.
 #ifndef HALVORINE_TESTS_PLATFORM_COM_COUNTINGUNKNOWN_H
 #define HALVORINE_TESTS_PLATFORM_COM_COUNTINGUNKNOWN_H
 
@@ -8,6 +9,12 @@
 #include <atomic>
 
 namespace halvorine {
+
+// The references that any object holds now.
+inline ULONG References(IUnknown* object) {
+  object->AddRef();
+  return object->Release();
+}
 
 class CountingUnknown final : public IUnknown {
  public:

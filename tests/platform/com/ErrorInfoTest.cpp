@@ -4,14 +4,13 @@
 
 #include <thread>
 
+#include "CountingUnknown.h"
+
 // The service's tests read back the fields that it sets; here, the record's interfaces, and how
 // the thread's record is handed around.
 namespace {
 
-ULONG References(IUnknown* p) {
-  p->AddRef();
-  return p->Release();
-}
+using halvorine::References;
 
 // A new record's IErrorInfo, with one reference.
 IErrorInfo* MakeRecord() {
