@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <memory>
 #include <regex>
@@ -78,10 +77,9 @@ std::unique_ptr<VR> SequenceOf(VRCode code, std::uint16_t group, std::uint16_t e
   return sequence;
 }
 
-// "<indent>(GGGG,EEEE) VR value #length", the parts that are empty left out.
-inline std::string Row(const std::string& indent, std::string tag, const std::string& code,
+// "<indent>(gggg,eeee) VR value #length", the parts that are empty left out.
+inline std::string Row(const std::string& indent, const std::string& tag, const std::string& code,
                        const std::string& value, const std::string& length) {
-  for (char& letter : tag) letter = static_cast<char>(std::toupper(letter));
   return indent + tag + (code.empty() ? "" : " " + code) + (value.empty() ? "" : " " + value) +
          " #" + length;
 }
@@ -136,7 +134,7 @@ inline void ListTree(const VRContainer& container, const std::string& indent, Ro
     const bool delimiter = element->group == kItemGroup && element->element != kItem;
     rows.push_back(
         Row(delimiter ? indent.substr(2) : indent,
-            halvorine::FormatBounded(16, "(%04X,%04X)", element->group, element->element),
+            halvorine::FormatBounded(16, "(%04x,%04x)", element->group, element->element),
             element->GetVRCode(), ValueOf(*element),
             element->length == kUndefinedLength ? "u/l" : std::to_string(element->length)));
     if (const auto* inner = dynamic_cast<const VRContainer*>(element.get())) {
