@@ -60,7 +60,8 @@ const char* const kVariants[] = {"explicit-defined",  "explicit-undefined",
                                  "implicit-defined",  "implicit-undefined-group-lengths",
                                  "explicit-data-set", "implicit-data-set"};
 
-// Parses bytes as a file; false when a MyException ended it. Anything else fails the test.
+// Parses bytes as a file; false when a MyException ended it. Anything else leaves the test, which
+// fails it.
 bool ParseBytes(std::string bytes) {
   try {
     FileParser parser;
@@ -69,9 +70,6 @@ bool ParseBytes(std::string bytes) {
     parser.Parse(data);
     return true;
   } catch (const halvorine::MyException&) {
-    return false;
-  } catch (...) {
-    ADD_FAILURE() << "a failure other than MyException";
     return false;
   }
 }
