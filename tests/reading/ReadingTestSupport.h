@@ -25,7 +25,8 @@ inline constexpr RecordCreators kCreators = {
 std::string LoadedTree(SAFEARRAY* patients);
 
 // The tree that DirectoryReader loads from folder/DICOMDIR, or the failure's text with "!" in
-// front (a failed load hands out no tree); and the one that "dcmdump -Un +L" shows, following its links from (0004,1200) by the offsets that dcmdump gives each record.
+// front (a failed load hands out no tree); and the one that "dcmdump -Un +L" shows, following its
+// links from (0004,1200) by the offsets that dcmdump gives each record.
 std::string LoadTree(const std::string& folder);
 std::string DcmdumpTree(const std::string& folder);
 
