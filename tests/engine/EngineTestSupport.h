@@ -86,7 +86,7 @@ inline std::string Row(const std::string& indent, const std::string& tag, const 
 
 // The value as dcmdump shows it. Numbers and tags come from the element's text, which the
 // element classes' tests pin: "Value=[-2<=>0xFFFFFFFE]", "Value=[1.500000<=>...]" and
-// "Value=[(18, 1063)]".
+// "Value=[(18, 1063)]". That text shows a UL from 2^31 up as negative; no file here holds one.
 inline std::string ValueOf(const VR& element) {
   std::string value;
   const auto add = [&value](const std::string& part) {
