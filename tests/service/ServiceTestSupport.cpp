@@ -24,13 +24,19 @@ void MakeObject(REFCLSID clsid, REFIID riid, void** out) {
 
 BString Text(std::u16string_view text) { return BString::Copy(text); }
 
-SafeArrayPtr ArrayOf(std::initializer_list<IUnknown*> elements) {
-  SafeArrayPtr array(SafeArrayCreateVector(VT_UNKNOWN, 0, static_cast<ULONG>(elements.size())));
+SafeArrayPtr ArrayOfSize(ULONG count, LONG lower) {
+  SafeArrayPtr array(SafeArrayCreateVector(VT_UNKNOWN, lower, count));
   EXPECT_NE(array.get(), nullptr);
-  LONG index = -1;
-  for (IUnknown* element : elements) {
-    EXPECT_EQ(SafeArrayPutElement(array.get(), &++index, element), S_OK);
-  }
+  return array;
+}
+
+void Put(const SafeArrayPtr& array, LONG index, IUnknown* element) {
+  EXPECT_EQ(SafeArrayPutElement(array.get(), &index, element), S_OK);
+}
+
+SafeArrayPtr ArrayOf(std::initializer_list<IUnknown*> elements) {
+  SafeArrayPtr array = ArrayOfSize(static_cast<ULONG>(elements.size()));
+  for (LONG index = 0; IUnknown * element : elements) Put(array, index++, element);
   return array;
 }
 

@@ -66,7 +66,10 @@ ComPtr<Interface> Make() {
 // A wide text as BSTR, counted so that it may hold NULs.
 BString Text(std::u16string_view text);
 
-// An array of the given elements, each with the reference that the array adds.
+// An array of count null elements from index lower; Put sets one, which adds the array's
+// reference; ArrayOf makes an array of the given elements.
+SafeArrayPtr ArrayOfSize(ULONG count, LONG lower = 0);
+void Put(const SafeArrayPtr& array, LONG index, IUnknown* element);
 SafeArrayPtr ArrayOf(std::initializer_list<IUnknown*> elements);
 
 // The description in the calling thread's error record, taken over from GetErrorInfo, or

@@ -8,18 +8,6 @@
 #include "support/TextConversion.h"
 
 namespace halvorine {
-namespace {
-
-SafeArrayPtr ArrayOfSize(ULONG count, LONG lower = 0) {
-  return SafeArrayPtr(SafeArrayCreateVector(VT_UNKNOWN, lower, count));
-}
-
-void Put(const SafeArrayPtr& array, LONG index, IUnknown* element) {
-  EXPECT_EQ(SafeArrayPutElement(array.get(), &index, element), S_OK);
-}
-
-}  // namespace
-
 BString Bstr(const std::string& narrowText) { return BString::Copy(ToWide(narrowText)); }
 
 std::vector<std::string> Entries(const std::string& folder) {
