@@ -10,7 +10,6 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/BString.h"
 #include "platform/ComPtr.h"
 #include "platform/SafeArrayPtr.h"
 #include "reading/ImagePathResolver.h"
