@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cerrno>
 #include <cstring>
 #include <memory>
 #include <stdexcept>
@@ -32,6 +33,10 @@ constexpr std::size_t kSlack = sizeof(std::uint64_t);
 constexpr std::size_t kBytesPerEntry = 50;
 // Some ten times the standard's count, so that the size of a hostile file can't reserve much.
 constexpr std::size_t kMostEntriesReserved = 65536;
+// A digest reads this much at a time, into a buffer on the stack: a multiple of the word.
+constexpr std::size_t kDigestBlockSize = 16384;
+// Words are mixed into this many running hashes in turn, which the processor works on at once.
+constexpr std::size_t kDigestLanes = 4;
 
 // What a byte is to the scanner, in kCharacters: its HexDigitValue in the low 16 bits, for the
 // tag section, and above them the marks of the characters that a search stops at.
@@ -244,7 +249,52 @@ void ReadLines(int file, Parse parse) {
   parse(buffer.get(), buffer.get() + filled + 1, buffer.get() + filled);
 }
 
+// A multiply and a shift, each one-to-one: files that differ in a single word differ in digest.
+std::uint64_t Mix(std::uint64_t hash, std::uint64_t word) {
+  hash = (hash ^ word) * 0x9E3779B97F4A7C15u;
+  return hash ^ (hash >> 32);
+}
+
+// Fills block from offset on, up to its size or the file's end; -1 on a read error.
+ssize_t ReadBlock(int file, char* block, std::size_t size, std::uint64_t offset) {
+  std::size_t filled = 0;
+  while (filled < size) {
+    const ssize_t count =
+        pread(file, block + filled, size - filled, static_cast<off_t>(offset + filled));
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return -1;
+    if (count == 0) break;
+    filled += static_cast<std::size_t>(count);
+  }
+  return static_cast<ssize_t>(filled);
+}
+
 }  // namespace
+
+std::optional<FileDigest> DigestFile(int file) {
+  std::array<std::uint64_t, kDigestLanes> lanes{1, 2, 3, 4};
+  std::uint64_t size = 0;
+  // With a word of room behind the block for the zeros.
+  alignas(std::uint64_t) char block[kDigestBlockSize + sizeof(std::uint64_t)];
+  for (;;) {
+    const ssize_t count = ReadBlock(file, block, kDigestBlockSize, size);
+    if (count < 0) return std::nullopt;
+    // A last word that the file doesn't fill is filled with zeros; the size tells it apart.
+    std::memset(block + count, 0, sizeof(std::uint64_t));
+    const auto words = (static_cast<std::size_t>(count) + 7) / sizeof(std::uint64_t);
+    for (std::size_t index = 0; index < words; ++index) {
+      std::uint64_t word;
+      std::memcpy(&word, block + index * sizeof word, sizeof word);
+      std::uint64_t& lane = lanes[index % kDigestLanes];
+      lane = Mix(lane, word);
+    }
+    size += static_cast<std::uint64_t>(count);
+    if (static_cast<std::size_t>(count) < kDigestBlockSize) break;
+  }
+  std::uint64_t hash = size;
+  for (const std::uint64_t lane : lanes) hash = Mix(hash, lane);
+  return FileDigest{size, hash};
+}
 
 DicomDictionary& DicomDictionary::GetInstance() {
   static DicomDictionary instance;
@@ -277,8 +327,9 @@ std::string DicomDictionary::GetVR(std::uint16_t group, std::uint16_t element) c
 
 std::string_view DicomDictionary::FindVR(std::uint16_t group, std::uint16_t element) const {
   const std::uint32_t key = KeyOf(group, element);
-  const auto found = std::ranges::lower_bound(standardEntries_, key, {}, &Entry::key);
-  if (found != standardEntries_.end() && found->key == key) return vrTexts_[found->vr];
+  const std::span<const Entry> entries = StandardEntries();
+  const auto found = std::ranges::lower_bound(entries, key, {}, &Entry::key);
+  if (found != entries.end() && found->key == key) return vrTexts_[found->vr];
   if (element == 0) return "UL";
   halvorine::Trace(halvorine::FormatBounded(halvorine::kMessageBufferSize,
                                             "The standard DICOM dictionary does not contain the "
@@ -288,9 +339,27 @@ std::string_view DicomDictionary::FindVR(std::uint16_t group, std::uint16_t elem
   return "UN";
 }
 
+std::span<const DicomDictionary::Entry> DicomDictionary::StandardEntries() const {
+  if (!shippedEntries_.empty()) return shippedEntries_;
+  return standardEntries_;
+}
+
+// A file of the shipped size is digested first; when its bytes are the shipped ones, their parse
+// is taken as it stands. Its entries need no private table: nothing reads that after a load.
+bool DicomDictionary::TakeShipped(int file, std::uint64_t size) {
+  const ShippedDictionary* const shipped = GetShippedDictionary();
+  if (shipped == nullptr || shipped->digest.size != size) return false;
+  const std::optional<FileDigest> digest = DigestFile(file);
+  if (!digest || digest->size != size || digest->hash != shipped->digest.hash) return false;
+  for (const std::string_view vr : shipped->vrTexts) AddVRText(vr);
+  shippedEntries_ = shipped->entries;
+  return true;
+}
+
 void DicomDictionary::ParseFile(int file) {
   struct stat info {};
   if (fstat(file, &info) == 0 && info.st_size > 0) {
+    if (TakeShipped(file, static_cast<std::uint64_t>(info.st_size))) return;
     standardEntries_.reserve(
         std::min(static_cast<std::size_t>(info.st_size) / kBytesPerEntry, kMostEntriesReserved));
   }

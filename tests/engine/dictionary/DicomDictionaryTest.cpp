@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <fstream>
@@ -13,6 +16,7 @@
 
 #include "RaisedMessage.h"
 #include "TempFolder.h"
+#include "platform/FileDescriptor.h"
 #include "platform/ModulePath.h"
 #include "support/TextConversion.h"
 #include "support/TraceLog.h"
@@ -208,6 +212,75 @@ TEST(ShippedDictionaryTest, EveryLineIsAnEntryWithTheStandardsVR) {
   for (const auto& [group, element, vr] : tags) {
     EXPECT_EQ(dictionary.GetVR(group, element), vr) << std::hex << group << "," << element;
   }
+}
+
+// The shipped file is served from the build's table; its bytes parsed as text, with an empty line
+// more, give the same entries. A file of the same size with one VR changed is parsed.
+TEST(ShippedDictionaryTest, ItsTableHoldsWhatItsTextGives) {
+  const ShippedDictionary* const shipped = GetShippedDictionary();
+  ASSERT_NE(shipped, nullptr);
+  DicomDictionary fromTable;
+  ASSERT_EQ(RaisedMessage([&] { fromTable.LoadDictionary(kShippedFile); }), kNothingRaised);
+  EXPECT_EQ(fromTable.StandardEntries().data(), shipped->entries.data());
+
+  halvorine::TempFolder temp;
+  const std::string text = halvorine::ReadWholeFile(kShippedFile);
+  halvorine::WriteWholeFile(temp.Path("longer.txt"), text + "\n");
+  DicomDictionary fromText;
+  ASSERT_EQ(RaisedMessage([&] { fromText.LoadDictionary(temp.Path("longer.txt")); }),
+            kNothingRaised);
+  const auto table = fromTable.StandardEntries();
+  const auto parsed = fromText.StandardEntries();
+  ASSERT_NE(table.data(), parsed.data());
+  ASSERT_EQ(table.size(), parsed.size());
+  for (std::size_t index = 0; index < table.size(); ++index) {
+    ASSERT_EQ(table[index].key, parsed[index].key) << index;
+    ASSERT_EQ(fromTable.VRText(table[index].vr), fromText.VRText(parsed[index].vr)) << index;
+  }
+
+  std::string changed = text;
+  const std::size_t vr = changed.find("VR=\"UL\"");
+  ASSERT_NE(vr, std::string::npos);
+  changed.replace(vr, 7, "VR=\"UN\"");
+  halvorine::WriteWholeFile(temp.Path("changed.txt"), changed);
+  DicomDictionary fromChanged;
+  ASSERT_EQ(RaisedMessage([&] { fromChanged.LoadDictionary(temp.Path("changed.txt")); }),
+            kNothingRaised);
+  const std::uint32_t key = fromText.StandardEntries()[0].key;
+  EXPECT_EQ(fromText.FindVR(key >> 16, key & 0xFFFF), "UL");
+  EXPECT_EQ(fromChanged.FindVR(key >> 16, key & 0xFFFF), "UN");
+}
+
+// Any one byte changed, a zero byte added and a block's border crossed change the digest; the
+// file's offset stays; a read error gives nothing.
+TEST(ShippedDictionaryTest, DigestTellsFilesApart) {
+  halvorine::TempFolder temp;
+  const std::string path = temp.Path("bytes");
+  const auto digest = [&](const std::string& content) {
+    halvorine::WriteWholeFile(path, content);
+    const halvorine::FileDescriptor file(open(path.c_str(), O_RDONLY));
+    return DigestFile(file.get()).value();
+  };
+  std::set<std::uint64_t> seen;
+  for (const std::size_t size : {0, 1, 7, 8, 9, 31, 16384, 16385, 40000}) {
+    const std::string content(size, 'a');
+    EXPECT_EQ(digest(content).size, size);
+    EXPECT_TRUE(seen.insert(digest(content).hash).second) << size;
+    for (std::size_t at = 0; at < size; at += 1 + at / 3) {
+      std::string changed = content;
+      changed[at] = 'b';
+      EXPECT_TRUE(seen.insert(digest(changed).hash).second) << size << " " << at;
+    }
+  }
+  const std::uint64_t shorter = digest("ab").hash;
+  EXPECT_NE(digest(std::string("ab\0", 3)).hash, shorter);
+
+  const halvorine::FileDescriptor file(open(path.c_str(), O_RDONLY));
+  ASSERT_EQ(lseek(file.get(), 5, SEEK_SET), 5);
+  EXPECT_EQ(DigestFile(file.get())->size, 3u);
+  EXPECT_EQ(lseek(file.get(), 0, SEEK_CUR), 5);
+  const halvorine::FileDescriptor folder(open(temp.Path("").c_str(), O_RDONLY | O_DIRECTORY));
+  EXPECT_FALSE(DigestFile(folder.get()).has_value());
 }
 
 }  // namespace
