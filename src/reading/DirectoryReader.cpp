@@ -15,6 +15,8 @@ using DicomEngine::VR;
 using DicomEngine::VRContainer;
 
 constexpr char kUnit[] = "DicomDirImpl";
+// An item's tag and length, in every syntax.
+constexpr std::uint32_t kItemHeaderSize = 8;
 
 bool IsItem(const VR& element) {
   return element.group == DicomEngine::kItemGroup && element.element == DicomEngine::kItem;
@@ -42,24 +44,26 @@ void DirectoryReader::ReadDirectory(const std::string& path, SAFEARRAY** ppPatie
 
 // The records are indexed as the parser completes them, each handed back to the parser at once, so
 // that the elements of a large directory never stand in memory together and the next record reuses
-// them. While (0002,0010) hasn't been met the sizes
-// might still change, and the sequence is indexed after the parse instead; so is any other
-// sequence than the one that Find gives at the end.
+// them; a plain record is indexed from its bytes and makes no elements at all. While (0002,0010)
+// hasn't been met the sizes might still change, and the sequence is indexed after the parse
+// instead; so is any other sequence than the one that Find gives at the end.
 std::int32_t DirectoryReader::IndexRecords(const std::string& path) {
   DicomEngine::DicomDictionary::GetInstance().LoadDictionary("dicom_dictionary.txt");
   DicomEngine::DicomData dataSet(false);
   DicomEngine::FileParser parser;
   ClearIndex(0);
-  const VR* indexed = nullptr;
-  std::uint32_t offset = 0;
+  indexed_ = nullptr;
+  parser.SetPlainItemHandler(
+      [&](const VR& sequence, const DicomEngine::PlainItem& item, std::uint32_t itemLength) {
+        if (!IsIndexed(sequence, dataSet, parser)) return false;
+        recordOffsetIndex_.emplace_back(offset_, RecordValues(item.Elements()));
+        ++recordCount_;
+        offset_ += kItemHeaderSize + itemLength;
+        return true;
+      });
   parser.SetEntryHandler([&](const VR& sequence, std::unique_ptr<VR>& entry) {
-    if (!IsRecordSequence(sequence) || !parser.IsSyntaxSettled()) return;
-    if (indexed == nullptr) {
-      indexed = &sequence;
-      offset = LocateRecordSequence(dataSet, parser) + HeaderSize(sequence, parser);
-    }
-    if (indexed != &sequence) return;
-    IndexEntry(*entry, offset, parser);
+    if (!IsIndexed(sequence, dataSet, parser)) return;
+    IndexEntry(*entry, offset_, parser);
     parser.Recycle(std::move(entry));
   });
   parser.Open(ToWide(path));
@@ -67,10 +71,20 @@ std::int32_t DirectoryReader::IndexRecords(const std::string& path) {
   parser.ReleaseReader();
   auto* sequence = dynamic_cast<DicomEngine::VRSequence*>(dataSet.Find(0x0004, 0x1220));
   if (sequence == nullptr) Raise(kUnit, __LINE__, "The DICOMDIR sequence tag is missing.");
-  if (sequence != indexed) {
+  if (sequence != indexed_) {
     BuildRecordOffsetIndex(*sequence, LocateRecordSequence(dataSet, parser), parser);
   }
   return ReadOffsetAttribute(dataSet, 0x0004, 0x1200, parser.GetDataOffset());
+}
+
+bool DirectoryReader::IsIndexed(const VR& sequence, const DicomEngine::DicomData& dataSet,
+                                const DicomEngine::FileParser& parser) {
+  if (!IsRecordSequence(sequence) || !parser.IsSyntaxSettled()) return false;
+  if (indexed_ == nullptr) {
+    indexed_ = &sequence;
+    offset_ = LocateRecordSequence(dataSet, parser) + HeaderSize(sequence, parser);
+  }
+  return indexed_ == &sequence;
 }
 
 //   element header   tag 4 | VR field 0 or 2 | length field 4, or 2, or 2 reserved + 4
@@ -107,7 +121,8 @@ void DirectoryReader::IndexEntry(const VR& entry, std::uint32_t& offset,
   const auto* record =
       IsItem(entry) ? DicomEngine::ElementCast<VRContainer, DicomEngine::VRSequenceItem>(entry)
                     : nullptr;
-  recordOffsetIndex_.emplace_back(offset, record ? RecordValues(*record) : RecordValues());
+  recordOffsetIndex_.emplace_back(offset,
+                                  record ? RecordValues(PlainElementsOf(*record)) : RecordValues());
   if (IsItem(entry)) ++recordCount_;
   AdvanceOverElement(offset, entry, parser);
 }

@@ -57,7 +57,7 @@ class DirectoryReader {
   static std::int32_t ReadOffsetAttribute(const DicomEngine::VRContainer& container,
                                           std::uint16_t group, std::uint16_t element,
                                           std::uint32_t where) {
-    return RecordLink(container, group, element).Read(where);
+    return RecordLink(PlainElementsOf(container), group, element).Read(where);
   }
   // Appends one entry per record of the chain that starts at offset to childList.
   void WalkRecordChain(std::int32_t offset, ChildList& childList, int depth);
@@ -66,6 +66,9 @@ class DirectoryReader {
   // Parses the file and fills the index; the parsed tree goes when it returns. The root link.
   std::int32_t IndexRecords(const std::string& path);
   void ClearIndex(std::size_t room);
+  // Whether the parser's entries of sequence are the records to index, at offset.
+  bool IsIndexed(const DicomEngine::VR& sequence, const DicomEngine::DicomData& dataSet,
+                 const DicomEngine::FileParser& parser);
   // Adds the entry at offset and moves offset behind it.
   void IndexEntry(const DicomEngine::VR& entry, std::uint32_t& offset,
                   const DicomEngine::Parser& parser);
@@ -80,6 +83,9 @@ class DirectoryReader {
   std::size_t recordCount_ = 0;
   std::size_t recordsWalked_ = 0;
   std::size_t nextGuess_ = 0;  // the entry behind the one that PositionOf found last
+  // While parsing: the sequence whose entries are indexed, and the offset of the next one.
+  const DicomEngine::VR* indexed_ = nullptr;
+  std::uint32_t offset_ = 0;
   // By index entry: whether the walk is inside that record's chain or subtree.
   std::vector<bool> open_;
 };

@@ -1,6 +1,8 @@
 #include "reading/RecordValues.h"
 
+#include <algorithm>
 #include <array>
+#include <cstring>
 
 #include "engine/elements/VRNumeric.h"
 #include "engine/elements/VRString.h"
@@ -60,17 +62,18 @@ static_assert(kTagTable.IndexOf(0x00200013) == 16 && kTagTable.IndexOf(0x0020001
 
 }  // namespace
 
-RecordLink::RecordLink(const DicomEngine::VRContainer& container, std::uint16_t group,
+// The first element of the tag decides, as a search of the container would find it.
+RecordLink::RecordLink(std::span<const DicomEngine::PlainElement> elements, std::uint16_t group,
                        std::uint16_t element)
     : group_(group), element_(element) {
-  const DicomEngine::VR* found = container.Find(group, element);
-  const auto* attribute = found == nullptr
-                              ? nullptr
-                              : DicomEngine::ElementCast<DicomEngine::UnsignedIntegerVR,
-                                                         DicomEngine::UnsignedIntegerVR>(*found);
-  if (attribute == nullptr) return;
-  state_ = attribute->values.empty() ? State::kEmpty : State::kNumber;
-  if (state_ == State::kNumber) number_ = static_cast<std::int32_t>(attribute->values.front());
+  const auto found = std::ranges::find_if(elements, [&](const DicomEngine::PlainElement& each) {
+    return each.group == group && each.element == element;
+  });
+  if (found == elements.end() || found->kind != DicomEngine::PlainElement::Kind::kUnsignedLong) {
+    return;
+  }
+  state_ = found->value.empty() ? State::kEmpty : State::kNumber;
+  if (state_ == State::kNumber) std::memcpy(&number_, found->value.data(), sizeof number_);
 }
 
 std::int32_t RecordLink::Read(std::uint32_t where) const {
@@ -82,29 +85,26 @@ std::int32_t RecordLink::Read(std::uint32_t where) const {
   return number_;
 }
 
-RecordValues::RecordValues(const DicomEngine::VRContainer& record)
+RecordValues::RecordValues(std::span<const DicomEngine::PlainElement> record)
     : next(record, 0x0004, 0x1400), lower(record, 0x0004, 0x1420), isRecord_(true) {
-  // The first element of a tag decides, as Find gives it: one that is no text hides later ones.
-  std::array<const DicomEngine::VR*, kTags.size()> firsts{};
-  for (const auto& element : record.Elements()) {
-    if (!element) continue;
-    const std::size_t index = kTagTable.IndexOf(KeyOf(element->group, element->element));
-    if (index < kTags.size() && firsts[index] == nullptr) firsts[index] = element.get();
+  // The first element of a tag decides: one that is no text hides later ones.
+  std::array<const DicomEngine::PlainElement*, kTags.size()> firsts{};
+  for (const DicomEngine::PlainElement& element : record) {
+    const std::size_t index = kTagTable.IndexOf(KeyOf(element.group, element.element));
+    if (index < kTags.size() && firsts[index] == nullptr) firsts[index] = &element;
   }
-  std::array<const DicomEngine::VRString*, kTags.size()> texts{};
+  const auto isText = [](const DicomEngine::PlainElement* element) {
+    return element != nullptr && element->kind == DicomEngine::PlainElement::Kind::kText;
+  };
   std::size_t size = 0;
-  for (std::size_t i = 0; i < kTags.size(); ++i) {
-    texts[i] = firsts[i] == nullptr
-                   ? nullptr
-                   : DicomEngine::ElementCast<DicomEngine::VRString, DicomEngine::VRString,
-                                              DicomEngine::VRUniqueIdentifier>(*firsts[i]);
-    if (texts[i] != nullptr) size += texts[i]->GetValue().size() + 2;
+  for (const DicomEngine::PlainElement* element : firsts) {
+    if (isText(element)) size += element->value.size() + 2;
   }
   texts_.reserve(size);
   for (std::size_t i = 0; i < kTags.size(); ++i) {
-    if (texts[i] == nullptr) continue;
+    if (!isText(firsts[i])) continue;
     texts_.push_back(static_cast<char>(i + 1));
-    texts_.append(texts[i]->GetValue()).push_back('\0');
+    texts_.append(firsts[i]->value).push_back('\0');
   }
 }
 
@@ -120,6 +120,29 @@ std::optional<std::string_view> RecordValues::Text(std::uint16_t group,
     entry = value.data() + value.size() + 1;
   }
   return std::nullopt;
+}
+
+std::vector<DicomEngine::PlainElement> PlainElementsOf(const DicomEngine::VRContainer& container) {
+  using Kind = DicomEngine::PlainElement::Kind;
+  std::vector<DicomEngine::PlainElement> elements;
+  elements.reserve(container.Elements().size());
+  for (const auto& element : container.Elements()) {
+    if (!element) continue;
+    DicomEngine::PlainElement plain{element->group, element->element, Kind::kOther, {}};
+    if (const auto* text = DicomEngine::ElementCast<DicomEngine::VRString, DicomEngine::VRString,
+                                                    DicomEngine::VRUniqueIdentifier>(*element)) {
+      plain.kind = Kind::kText;
+      plain.value = text->GetValue();
+    } else if (const auto* numbers =
+                   DicomEngine::ElementCast<DicomEngine::UnsignedIntegerVR,
+                                            DicomEngine::UnsignedIntegerVR>(*element)) {
+      plain.kind = Kind::kUnsignedLong;
+      plain.value = {reinterpret_cast<const char*>(numbers->values.data()),
+                     numbers->values.size() * sizeof(std::uint32_t)};
+    }
+    elements.push_back(plain);
+  }
+  return elements;
 }
 
 }  // namespace halvorine

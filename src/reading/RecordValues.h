@@ -6,10 +6,13 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "engine/elements/VRContainer.h"
+#include "engine/parsing/PlainItem.h"
 
 namespace halvorine {
 
@@ -18,11 +21,14 @@ namespace halvorine {
 class RecordLink {
  public:
   RecordLink() = default;
-  RecordLink(const DicomEngine::VRContainer& container, std::uint16_t group, std::uint16_t element);
+  RecordLink(std::span<const DicomEngine::PlainElement> elements, std::uint16_t group,
+             std::uint16_t element);
 
   // The first number, as signed 32 bits. Raises when there was no "UL" element, or one with no
   // number; where is the offset of the record that holds it, for the message.
   std::int32_t Read(std::uint32_t where) const;
+
+  friend bool operator==(const RecordLink&, const RecordLink&) = default;
 
  private:
   enum class State : std::uint8_t { kMissing, kEmpty, kNumber };
@@ -37,12 +43,15 @@ class RecordValues {
  public:
   // The entry of a delimiter or a fragment, where no record begins.
   RecordValues() = default;
-  explicit RecordValues(const DicomEngine::VRContainer& record);
+  // The record's elements as a plain item holds them, or as PlainElementsOf views a parsed one.
+  explicit RecordValues(std::span<const DicomEngine::PlainElement> record);
 
   bool IsRecord() const { return isRecord_; }
   // The value of a text element among those that a load reads, empty ones included; nothing when
   // the record has no such text element. The view's data() ends with a NUL.
   std::optional<std::string_view> Text(std::uint16_t group, std::uint16_t element) const;
+
+  friend bool operator==(const RecordValues&, const RecordValues&) = default;
 
   RecordLink next;   // (0004,1400)
   RecordLink lower;  // (0004,1420)
@@ -54,6 +63,9 @@ class RecordValues {
   // than room for all.
   std::string texts_;
 };
+
+// The elements of a parsed container as a plain item would hold them, viewing their values.
+std::vector<DicomEngine::PlainElement> PlainElementsOf(const DicomEngine::VRContainer& container);
 
 }  // namespace halvorine
 

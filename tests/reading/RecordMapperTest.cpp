@@ -51,7 +51,7 @@ class RecordMapperTest : public ::testing::Test {
                                : DicomEngine::MakeText("LO", group, element, value),
                   false);
     }
-    return mapper_.MapRecord(RecordValues(item), 400, children);
+    return mapper_.MapRecord(RecordValues(PlainElementsOf(item)), 400, children);
   }
 
   RecordMapper mapper_{kCreators, u"/disc"};

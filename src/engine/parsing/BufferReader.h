@@ -59,6 +59,11 @@ class BufferReader {
   // as it was.
   void ReadBinary(std::unique_ptr<std::uint8_t[]>* dest, std::uint32_t count);
 
+  // The next count bytes, without moving, when they lie before end and in one chunk; else null.
+  const std::uint8_t* Peek(std::uint32_t count) {
+    return HasBytes(count) ? Contiguous(count) : nullptr;
+  }
+
   // A reader over the next count bytes (kUndefinedLength: all that is left), at this one's
   // position; null if it can't be allocated. It shares the row and moves this reader as it reads,
   // so it must not outlive this reader, which isn't read on its own while it is in use.

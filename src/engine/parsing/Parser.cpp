@@ -13,6 +13,7 @@
 #include "engine/elements/VRSequenceItem.h"
 #include "engine/elements/VRString.h"
 #include "engine/elements/VRUniqueIdentifier.h"
+#include "engine/parsing/ElementClass.h"
 #include "support/MyException.h"
 #include "support/TraceLog.h"
 
@@ -23,19 +24,6 @@ constexpr char kUnit[] = "Parser";
 constexpr int kElementTraceLevel = 3;
 constexpr std::uint16_t kMetaGroup = 0x0002;
 constexpr std::uint16_t kTransferSyntaxElement = 0x0010;
-
-// The codes whose explicit form has two reserved bytes and a 32-bit length.
-bool HasLongLength(std::string_view vrCode) {
-  return vrCode == "OB" || vrCode == "OW" || vrCode == "SQ" || vrCode == "UN" || vrCode == "UT";
-}
-
-// The two letters as one number, so that MakeElement's table is a switch; 0 for a text of any
-// other size, which matches no code.
-constexpr std::uint16_t CodeKey(std::string_view vrCode) {
-  if (vrCode.size() != 2) return 0;
-  return static_cast<std::uint16_t>(static_cast<unsigned char>(vrCode[0]) << 8 |
-                                    static_cast<unsigned char>(vrCode[1]));
-}
 
 // Group, then element: one read of 32 bits, least significant byte first, gives both.
 AttributeTag ReadTag(BufferReader& reader) {
@@ -244,69 +232,54 @@ std::unique_ptr<VR> Parser::MakeElement(std::string_view vrCode, std::uint16_t g
                                         std::uint16_t element, std::uint32_t length) {
   BufferReader& reader = *reader_;
   const VRCode code(vrCode);
-  switch (CodeKey(vrCode)) {
-    case CodeKey("UN"):
-    case CodeKey("OT"):
-    case CodeKey("OB"):
-    case CodeKey("OW"):
+  switch (ClassOfCode(vrCode)) {
+    case ElementClass::kBinary:
       if (length == kUndefinedLength) return ParseSequence(group, element, vrCode, length);
       return std::make_unique<VRBinary>(code, group, element, length, ReadBlock(reader, length));
-    case CodeKey("SQ"):
+    case ElementClass::kSequence:
       return ParseSequence(group, element, vrCode, length);
-    case CodeKey("DA"):
-    case CodeKey("TM"):
-    case CodeKey("DT"):
-    case CodeKey("AE"):
-    case CodeKey("PN"):
-    case CodeKey("SH"):
-    case CodeKey("ST"):
-    case CodeKey("LO"):
-    case CodeKey("LT"):
-    case CodeKey("CS"):
-    case CodeKey("AS"):
-    case CodeKey("IS"):
-    case CodeKey("DS"):
-    case CodeKey("UT"):
+    case ElementClass::kString:
       return MakeText<VRString>(code, group, element, length);
-    case CodeKey("UI"):
+    case ElementClass::kUniqueIdentifier:
       return MakeText<VRUniqueIdentifier>(code, group, element, length);
-    case CodeKey("AT"):
+    case ElementClass::kAttributeTag:
       return std::make_unique<VRAttributeTag>(code, group, element, length,
                                               ReadTags(reader, length));
-    case CodeKey("FL"):
+    case ElementClass::kFloat:
       return std::make_unique<DoubleVR>(
           code, group, element, length,
           ReadList<double>(reader, length, 4,
                            [](BufferReader& from) -> double { return from.ReadFloat(4); }));
-    case CodeKey("FD"):
+    case ElementClass::kDouble:
       return std::make_unique<DoubleVR>(code, group, element, length,
                                         ReadList<double>(reader, length, 8, [](BufferReader& from) {
                                           return from.ReadDouble(8);
                                         }));
-    case CodeKey("UL"):
+    case ElementClass::kUnsignedLong:
       return bin_->Make<UnsignedIntegerVR>(
           code, group, element, length,
           ReadList<std::uint32_t>(reader, length, 4,
                                   [](BufferReader& from) { return from.ReadUnsignedLong(); }));
-    case CodeKey("US"):
+    case ElementClass::kUnsignedShort:
       return bin_->Make<UnsignedShortVR>(
           code, group, element, length,
           ReadList<std::uint16_t>(reader, length, 2,
                                   [](BufferReader& from) { return from.ReadUnsignedShort(); }));
-    case CodeKey("SS"):
+    case ElementClass::kSignedShort:
       return std::make_unique<SignedShortVR>(
           code, group, element, length,
           ReadList<std::int16_t>(reader, length, 2, [](BufferReader& from) {
             return static_cast<std::int16_t>(from.ReadUnsignedShort());
           }));
-    case CodeKey("SL"):
+    case ElementClass::kSignedLong:
       return std::make_unique<IntegerVR>(
           code, group, element, length,
           ReadList<std::int32_t>(reader, length, 4,
                                  [](BufferReader& from) { return from.ReadSignedLong(); }));
-    default:
+    case ElementClass::kNone:
       return nullptr;
   }
+  return nullptr;
 }
 
 template <class Text>
@@ -330,7 +303,9 @@ std::unique_ptr<VR> Parser::ParseSequence(std::uint16_t group, std::uint16_t ele
   const bool binaryItems = vrCode == "OB" || vrCode == "OW";
   std::uint32_t consumed = 0;
   for (bool finished = false; !finished;) {
-    std::unique_ptr<VR> entry = ParseSequenceItem(binaryItems, length, consumed, finished);
+    std::unique_ptr<VR> entry =
+        ParseSequenceItem(*sequence, binaryItems, length, consumed, finished);
+    if (entry == nullptr) continue;
     if (depth_ == 0 && entryHandler_) entryHandler_(*sequence, entry);
     sequence->Append(std::move(entry), false);
   }
@@ -339,7 +314,8 @@ std::unique_ptr<VR> Parser::ParseSequence(std::uint16_t group, std::uint16_t ele
 
 // An item header is 8 bytes in every syntax: tag and a 32-bit length, no VR. A defined-length
 // sequence ends when its items' headers and lengths reach its length; a delimiter ends any.
-std::unique_ptr<VR> Parser::ParseSequenceItem(bool binaryItems, std::uint32_t sequenceLength,
+std::unique_ptr<VR> Parser::ParseSequenceItem(const VR& sequence, bool binaryItems,
+                                              std::uint32_t sequenceLength,
                                               std::uint32_t& consumed, bool& finished) {
   finished = false;
   const auto [group, element] = ReadTag(*reader_);
@@ -354,15 +330,36 @@ std::unique_ptr<VR> Parser::ParseSequenceItem(bool binaryItems, std::uint32_t se
       consumed += itemLength;
       finished = sequenceLength <= consumed;
     }
-    if (!binaryItems) return ParseNestedItem(itemLength);
-    return std::make_unique<VRBinarySequenceItem>(group, element, itemLength,
-                                                  ReadBlock(*reader_, itemLength));
+    if (binaryItems) {
+      return std::make_unique<VRBinarySequenceItem>(group, element, itemLength,
+                                                    ReadBlock(*reader_, itemLength));
+    }
+    if (OfferPlainItem(sequence, itemLength)) return nullptr;
+    return ParseNestedItem(itemLength);
   }
   if (group == kItemGroup && element == kSequenceDelimiter) {
     finished = true;
     return std::make_unique<VRSequenceItem>("", group, element, itemLength);
   }
   halvorine::Raise(kUnit, __LINE__, "Invalid tag found where a sequence item was expected.");
+}
+
+// The item's elements are read as its own parser would read them: in the data set's syntax,
+// which must be explicit and set, since the plain item has groups above 2 alone.
+bool Parser::OfferPlainItem(const VR& sequence, std::uint32_t itemLength) {
+  if (depth_ != 0 || !plainItemHandler_ || itemLength == kUndefinedLength ||
+      dataSetSyntax_.vrForm != kExplicitVR || dataSetSyntax_.byteOrder == 0 ||
+      halvorine::GetTraceLog().IsEnabled(kElementTraceLevel)) {
+    return false;
+  }
+  const std::uint8_t* const bytes = reader_->Peek(itemLength);
+  PlainItem item;
+  if (bytes == nullptr || !item.Read({bytes, itemLength}) ||
+      !plainItemHandler_(sequence, item, itemLength)) {
+    return false;
+  }
+  reader_->Skip(itemLength);
+  return true;
 }
 
 // The item's own parser reads through a nested reader, which moves this parser's reader with it:

@@ -27,6 +27,7 @@
 #include "engine/elements/VRContainer.h"
 #include "engine/parsing/BufferReader.h"
 #include "engine/parsing/ElementBin.h"
+#include "engine/parsing/PlainItem.h"
 
 namespace DicomEngine {
 
@@ -57,6 +58,13 @@ class Parser {
   // sequence then goes without it.
   using EntryHandler = std::function<void(const VR& sequence, std::unique_ptr<VR>& entry)>;
   void SetEntryHandler(EntryHandler handler) { entryHandler_ = std::move(handler); }
+  // Offered first, at the top level too, each item of defined length that is plain (see PlainItem)
+  // and whose bytes lie in one chunk, while no element is traced. A handler that returns true has
+  // taken the item: the parser goes on behind it, and neither the entry handler nor the sequence
+  // sees it. On false the item is parsed as any other.
+  using PlainItemHandler =
+      std::function<bool(const VR& sequence, const PlainItem& item, std::uint32_t itemLength)>;
+  void SetPlainItemHandler(PlainItemHandler handler) { plainItemHandler_ = std::move(handler); }
   // Takes back elements that the caller is done with, so that later elements reuse them.
   void Recycle(std::unique_ptr<VR> element) { bin_->Put(std::move(element)); }
   // Whether the syntaxes are final, (0002,0010) having been met: until then the size questions
@@ -93,8 +101,11 @@ class Parser {
                                     std::string_view vrCode, std::uint32_t length);
   // One item, fragment or sequence delimiter. consumed counts the item headers and defined item
   // lengths read so far; finished tells the sequence to end.
-  std::unique_ptr<VR> ParseSequenceItem(bool binaryItems, std::uint32_t sequenceLength,
-                                        std::uint32_t& consumed, bool& finished);
+  // Null for an item that the plain item handler took.
+  std::unique_ptr<VR> ParseSequenceItem(const VR& sequence, bool binaryItems,
+                                        std::uint32_t sequenceLength, std::uint32_t& consumed,
+                                        bool& finished);
+  bool OfferPlainItem(const VR& sequence, std::uint32_t itemLength);
   std::unique_ptr<VR> ParseNestedItem(std::uint32_t itemLength);
   void ApplyTransferSyntax(const VR* object);
 
@@ -105,6 +116,7 @@ class Parser {
   int depth_ = 0;              // the sequences around what this parser reads
   VRCode explicitCode_;        // the last code read from the stream
   EntryHandler entryHandler_;  // for the top level only
+  PlainItemHandler plainItemHandler_;  // for the top level only
   ElementBin ownBin_;          // used by the top-level parser only
   ElementBin* bin_;            // the top level's
 };

@@ -157,6 +157,40 @@ TEST_F(ParserTest, AnUnknownTransferSyntaxReadsAVRAndALongLength) {
   EXPECT_EQ(parser->GetVRFieldSize(kItemGroup, kItem), 0u);
 }
 
+// A data set of explicit syntax whose sequence holds: a plain item twice, a plain item of undefined
+// length, an item that isn't plain; the patient's name behind it.
+std::string WithItems() {
+  const std::string plain = Element(ex, 0x0004, 0x1430, "CS", "IMAGE ");
+  const std::string notPlain = Element(ex, 0x0004, 0x1430, "SS", "ab");
+  const auto size = [](const std::string& bytes) { return static_cast<std::uint32_t>(bytes.size()); };
+  return Element(ex, 0x0002, 0x0010, "UI", std::string("1.2.840.10008.1.2.1\0", 20)) +
+         Header(ex, 0x0004, 0x1220, "SQ", kUndefinedLength) + Item(size(plain)) + plain +
+         Item(size(plain)) + plain + Item(kUndefinedLength) + plain + kItemEnd +
+         Item(size(notPlain)) + notPlain + kSequenceEnd + Patient(ex);
+}
+
+// Plain items of defined length at the top level are offered first: one taken is gone, one declined
+// is parsed. The others are never offered.
+TEST_F(ParserTest, PlainItemsAreOfferedBeforeTheyAreParsed) {
+  const std::unique_ptr<Parser> parser = ParserOver(WithItems(), ex);
+  std::vector<std::uint32_t> offered;
+  parser->SetPlainItemHandler([&](const VR& sequence, const PlainItem& item, std::uint32_t length) {
+    EXPECT_EQ(sequence.element, 0x1220);
+    EXPECT_EQ(item.Elements()[0].value, "IMAGE ");
+    offered.push_back(length);
+    return offered.size() == 1;
+  });
+  std::size_t entries = 0;
+  parser->SetEntryHandler([&](const VR&, std::unique_ptr<VR>&) { ++entries; });
+  DicomData data(false);
+  parser->Parse(data);
+  EXPECT_EQ(offered, (std::vector<std::uint32_t>{14, 14}));
+  EXPECT_EQ(entries, 4u);
+  const auto& items = dynamic_cast<const VRSequence&>(*data.Elements().at(1)).Elements();
+  EXPECT_EQ(items.size(), 4u);
+  EXPECT_EQ(TextsOf(data).back(), kPatientText);
+}
+
 // depth sequences of undefined length, each in the one item of the one above.
 std::string Nested(int depth) {
   std::string bytes;
@@ -211,6 +245,14 @@ TEST_F(ParserTest, EachElementIsTracedAtLevelThree) {
   const halvorine::TempFolder folder;
   halvorine::GetTraceLog().Initialize(halvorine::ToWide(folder.Path("trace.log")), 3);
   Parsed(Header(ex, 0x0008, 0x0005, "XX", 0) + Patient(ex), ex);
+  // Nor is an item offered as plain, whose elements would go untraced.
+  const std::unique_ptr<Parser> parser = ParserOver(WithItems(), ex);
+  parser->SetPlainItemHandler([](const VR&, const PlainItem&, std::uint32_t) -> bool {
+    ADD_FAILURE() << "offered";
+    return true;
+  });
+  DicomData data(false);
+  parser->Parse(data);
   const std::string log = halvorine::ReadWholeFile(folder.Path("trace.log"));
   EXPECT_NE(log.find(" --- The parsed VR is NULL.\r\n"), std::string::npos) << log;
   EXPECT_NE(log.find(" --- The parsed VR is: " + kPatientText + "\r\n"), std::string::npos) << log;
