@@ -90,14 +90,14 @@ class DicomDirImage final : public ComObject<IDicomDirImage, IID_IDicomDirImage>
 
  private:
   struct Details {
-    BString imageType;
+    TextField imageType;
     DATE imageAcquisitionDateTime = 0.0;
     SHORT imageRows = 0;
     SHORT imageColumns = 0;
     SHORT numberOfFrames = 0;
     SHORT frameIdx = 0;
     SHORT samplesPerPixel = 0;
-    BString photometricInterpretation;
+    TextField photometricInterpretation;
     SHORT planarConfiguration = 0;
     double pixelSpacingX = 0.0;
     double pixelSpacingY = 0.0;
@@ -108,25 +108,25 @@ class DicomDirImage final : public ComObject<IDicomDirImage, IID_IDicomDirImage>
     SHORT bitsStored = 0;
     SHORT highBit = 0;
     SHORT pixelRepresentation = 0;
-    BString lossyImageCompression;
+    TextField lossyImageCompression;
     double lossyImageCompressionRatio = 0.0;
     double sliceThickness = 0.0;
     double spacingBetweenSlices = 0.0;
     double sliceLocation = 0.0;
-    BString imagePositionPatient;
-    BString imageOrientationPatient;
-    BString presentationIntentType;
-    BString convolutionKernel;
-    BString manufacturer;
+    TextField imagePositionPatient;
+    TextField imageOrientationPatient;
+    TextField presentationIntentType;
+    TextField convolutionKernel;
+    TextField manufacturer;
     LONG windowCenter = 0;
     LONG windowWidth = 0;
     double rescaleIntercept = 0.0;
     double rescaleSlope = 1.0;
-    BString rescaleType;
-    BString contrastBolusAgent;
+    TextField rescaleType;
+    TextField contrastBolusAgent;
     VARIANT_BOOL privateFileCopy = VARIANT_FALSE;
     VARIANT_BOOL dicomDir = VARIANT_TRUE;
-    BString shutterShape;
+    TextField shutterShape;
     SHORT shutterLeftVerticalEdge = 0;
     SHORT shutterRightVerticalEdge = 0;
     SHORT shutterUpperHorizontalEdge = 0;
@@ -134,15 +134,15 @@ class DicomDirImage final : public ComObject<IDicomDirImage, IID_IDicomDirImage>
     SHORT centerOfCircularShutterX = 0;
     SHORT centerOfCircularShutterY = 0;
     SHORT radiusOfCircularShutter = 0;
-    BString verticesOfPolygonalShutter;
+    TextField verticesOfPolygonalShutter;
     LONG shutterPresentationValue = 0;
   };
 
-  BString sopClassUID_;
-  BString sopInstanceUID_;
+  TextField sopClassUID_;
+  TextField sopInstanceUID_;
   LONGLONG instanceNumber_ = 0;
-  BString imageFilename_;
-  BString transferSyntaxUID_;
+  TextField imageFilename_;
+  TextField transferSyntaxUID_;
   IDicomDirSeries* series_ = nullptr;
   DetailFields<Details> details_;
 };

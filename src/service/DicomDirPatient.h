@@ -20,9 +20,9 @@ class DicomDirPatient final : public ComObject<IDicomDirPatient, IID_IDicomDirPa
 
  private:
   // Members go in reverse order: the array, and with it the children, before the texts.
-  BString dicomPatName_;
-  BString patientID_;
-  BString patientSex_;
+  TextField dicomPatName_;
+  TextField patientID_;
+  TextField patientSex_;
   SafeArrayPtr studies_;
 };
 

@@ -24,9 +24,9 @@ class DicomDirSeries final : public ComObject<IDicomDirSeries, IID_IDicomDirSeri
   HALVORINE_LINK_PROPERTY(IDicomDirStudy, Study, ppStudy, pStudy, study_)
 
  private:
-  BString seriesInstUID_;
-  BString modality_;
-  BString seriesDescription_;
+  TextField seriesInstUID_;
+  TextField modality_;
+  TextField seriesDescription_;
   DATE seriesDateTime_ = 0.0;
   SHORT seriesNumber_ = 0;
   SafeArrayPtr images_;

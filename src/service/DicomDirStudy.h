@@ -23,12 +23,12 @@ class DicomDirStudy final : public ComObject<IDicomDirStudy, IID_IDicomDirStudy>
   HALVORINE_LINK_PROPERTY(IDicomDirPatient, Patient, ppPatient, pPatient, patient_)
 
  private:
-  BString studyInstUID_;
-  BString studyID_;
+  TextField studyInstUID_;
+  TextField studyID_;
   DATE studyDate_ = 0.0;
-  BString studyDescription_;
-  BString institution_;
-  BString accessionNr_;
+  TextField studyDescription_;
+  TextField institution_;
+  TextField accessionNr_;
   SafeArrayPtr series_;
   IDicomDirPatient* patient_ = nullptr;
 };

@@ -2,18 +2,14 @@
 
 namespace halvorine {
 
-HRESULT GetText(const BString& field, BSTR* out) {
+HRESULT GetText(const TextField& field, BSTR* out) {
   if (out == nullptr) return E_POINTER;
-  *out = SysAllocString(field.get());
-  return (*out == nullptr && !field.IsNull()) ? E_OUTOFMEMORY : S_OK;
+  return field.Get(out) ? S_OK : E_OUTOFMEMORY;
 }
 
-HRESULT SetText(BString* field, const OLECHAR* value) {
+HRESULT SetText(TextField* field, const OLECHAR* value) {
   if (field == nullptr) return E_OUTOFMEMORY;
-  BString copy = BString::Copy(value);
-  if (copy.IsNull() && value != nullptr) return E_OUTOFMEMORY;
-  *field = std::move(copy);
-  return S_OK;
+  return field->Set(value) ? S_OK : E_OUTOFMEMORY;
 }
 
 HRESULT GetArray(const SafeArrayPtr& field, SAFEARRAY** out) {

@@ -17,13 +17,13 @@
 #include <memory>
 #include <new>
 
-#include "platform/BString.h"
 #include "platform/SafeArrayPtr.h"
+#include "service/TextField.h"
 
 namespace halvorine {
 
-HRESULT GetText(const BString& field, BSTR* out);
-HRESULT SetText(BString* field, const OLECHAR* value);
+HRESULT GetText(const TextField& field, BSTR* out);
+HRESULT SetText(TextField* field, const OLECHAR* value);
 HRESULT GetArray(const SafeArrayPtr& field, SAFEARRAY** out);
 HRESULT SetArray(SafeArrayPtr& field, SAFEARRAY* value);
 

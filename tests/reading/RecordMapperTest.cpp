@@ -12,6 +12,7 @@
 #include "engine/elements/VRNumeric.h"
 #include "engine/elements/VRSequenceItem.h"
 #include "engine/elements/VRUniqueIdentifier.h"
+#include "platform/BString.h"
 #include "service/ModuleLock.h"
 #include "support/TextConversion.h"
 

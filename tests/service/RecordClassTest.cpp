@@ -127,6 +127,13 @@ TEST_F(RecordClassTest, TextsAreCopiesUpToTheFirstNulAndNullStaysApartFromEmpty)
   EXPECT_EQ(read(), u"ABC") << "the caller's text reached the field";
   EXPECT_EQ(patient->SetPatientID(nullptr), S_OK);
   EXPECT_EQ(read(), u"(null)");
+  // Every unit comes back as it was set, on either side of 256, a lone surrogate too.
+  const std::u16string texts[] = {u"\u00FF\u0080A\u0001", u"\u00FFA\u0100", u"\uFFFF",
+                                  std::u16string(1, u'\xD800') + u"x"};
+  for (const std::u16string& text : texts) {
+    EXPECT_EQ(patient->SetPatientID(Text(text).get()), S_OK);
+    EXPECT_EQ(read(), text);
+  }
 }
 
 // The three pairs start at zero and keep their own values, and write neither out unless they

@@ -1,0 +1,38 @@
+// A text field of a record object: null, or a text of UTF-16 code units without a NUL. A text
+// whose units all lie below 256, as a disc's texts do, is kept one byte a unit: a directory of
+// 100,000 images holds some 400,000 texts, and a BSTR would take twice the bytes and a header.
+// The units are given back exactly as they were set.
+#ifndef HALVORINE_SERVICE_TEXTFIELD_H
+#define HALVORINE_SERVICE_TEXTFIELD_H
+
+#include <halvorine/com.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace halvorine {
+
+class TextField {
+ public:
+  bool IsNull() const { return block_ == nullptr; }
+
+  // A new BSTR of the text in *out, null for a null field; false when memory runs out.
+  bool Get(BSTR* out) const;
+  // Keeps a copy of text up to its first NUL; null makes the field null. False when memory runs
+  // out, and the field is then unchanged.
+  bool Set(const OLECHAR* text);
+
+ private:
+  // The block: this header, then length units of unitSize bytes each.
+  struct Header {
+    std::uint32_t length;
+    std::uint32_t unitSize;
+  };
+
+  std::unique_ptr<std::byte[]> block_;
+};
+
+}  // namespace halvorine
+
+#endif  // HALVORINE_SERVICE_TEXTFIELD_H
