@@ -35,8 +35,10 @@ constexpr std::size_t kBytesPerEntry = 50;
 constexpr std::size_t kMostEntriesReserved = 65536;
 // A digest reads this much at a time, into a buffer on the stack: a multiple of the word.
 constexpr std::size_t kDigestBlockSize = 16384;
-// Words are mixed into this many running hashes in turn, which the processor works on at once.
+// Words are mixed into this many running hashes in turn, which the processor works on at once: a
+// step is one word for each.
 constexpr std::size_t kDigestLanes = 4;
+constexpr std::size_t kDigestStep = kDigestLanes * sizeof(std::uint64_t);
 
 // What a byte is to the scanner, in kCharacters: its HexDigitValue in the low 16 bits, for the
 // tag section, and above them the marks of the characters that a search stops at.
@@ -274,19 +276,20 @@ ssize_t ReadBlock(int file, char* block, std::size_t size, std::uint64_t offset)
 std::optional<FileDigest> DigestFile(int file) {
   std::array<std::uint64_t, kDigestLanes> lanes{1, 2, 3, 4};
   std::uint64_t size = 0;
-  // With a word of room behind the block for the zeros.
-  alignas(std::uint64_t) char block[kDigestBlockSize + sizeof(std::uint64_t)];
+  // With a step of room behind the block for the zeros that fill the last one.
+  alignas(std::uint64_t) char block[kDigestBlockSize + kDigestStep];
   for (;;) {
     const ssize_t count = ReadBlock(file, block, kDigestBlockSize, size);
     if (count < 0) return std::nullopt;
-    // A last word that the file doesn't fill is filled with zeros; the size tells it apart.
-    std::memset(block + count, 0, sizeof(std::uint64_t));
-    const auto words = (static_cast<std::size_t>(count) + 7) / sizeof(std::uint64_t);
-    for (std::size_t index = 0; index < words; ++index) {
-      std::uint64_t word;
-      std::memcpy(&word, block + index * sizeof word, sizeof word);
-      std::uint64_t& lane = lanes[index % kDigestLanes];
-      lane = Mix(lane, word);
+    // Zeros behind the file's last byte fill the last step; the size tells them apart.
+    std::memset(block + count, 0, kDigestStep);
+    const std::size_t steps = (static_cast<std::size_t>(count) + kDigestStep - 1) / kDigestStep;
+    for (std::size_t step = 0; step < steps; ++step) {
+      for (std::size_t lane = 0; lane < kDigestLanes; ++lane) {
+        std::uint64_t word;
+        std::memcpy(&word, block + step * kDigestStep + lane * sizeof word, sizeof word);
+        lanes[lane] = Mix(lanes[lane], word);
+      }
     }
     size += static_cast<std::uint64_t>(count);
     if (static_cast<std::size_t>(count) < kDigestBlockSize) break;
