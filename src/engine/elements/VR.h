@@ -18,6 +18,8 @@ namespace DicomEngine {
 inline constexpr std::uint32_t kUndefinedLength = 0xFFFFFFFF;
 // Items and delimiters lie in this group; it has no VR field in any syntax.
 inline constexpr std::uint16_t kItemGroup = 0xFFFE;
+// The file meta information's group, which the header syntax always encodes.
+inline constexpr std::uint16_t kMetaGroup = 0x0002;
 
 class VR {
  public:

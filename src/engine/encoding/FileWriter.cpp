@@ -16,7 +16,6 @@ namespace {
 
 constexpr char kUnit[] = "FileWriter";
 constexpr std::size_t kTraceBufferSize = 2048;
-constexpr std::uint16_t kMetaGroup = 0x0002;
 constexpr std::uint16_t kTransferSyntaxUid = 0x0010;
 
 constexpr std::array<std::uint8_t, 132> MakePreamble() {

@@ -22,7 +22,6 @@ namespace {
 
 constexpr char kUnit[] = "Parser";
 constexpr int kElementTraceLevel = 3;
-constexpr std::uint16_t kMetaGroup = 0x0002;
 constexpr std::uint16_t kTransferSyntaxElement = 0x0010;
 
 // Group, then element: one read of 32 bits, least significant byte first, gives both.

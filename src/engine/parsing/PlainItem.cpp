@@ -4,13 +4,12 @@
 #include <cstring>
 #include <utility>
 
+#include "engine/elements/VR.h"
 #include "engine/parsing/ElementClass.h"
 
 namespace DicomEngine {
 namespace {
 
-constexpr std::uint16_t kLastMetaGroup = 0x0002;
-constexpr std::uint16_t kItemGroup = 0xFFFE;
 // Tag, VR and a short length; a long length takes 4 bytes more.
 constexpr std::size_t kShortHeader = 8;
 constexpr std::size_t kLongHeader = 12;
@@ -52,7 +51,7 @@ bool PlainItem::Read(std::span<const std::uint8_t> bytes) {
     const auto group = ReadNumber<std::uint16_t>(header);
     const auto element = ReadNumber<std::uint16_t>(header + 2);
     const std::uint32_t key = std::uint32_t{group} << 16 | element;
-    if (group <= kLastMetaGroup || group == kItemGroup || (count_ > 0 && key <= lastKey)) {
+    if (group <= kMetaGroup || group == kItemGroup || (count_ > 0 && key <= lastKey)) {
       return false;
     }
     const std::string_view code(reinterpret_cast<const char*>(header + 4), 2);
