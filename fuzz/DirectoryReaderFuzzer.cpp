@@ -18,21 +18,11 @@
 
 #include "platform/SafeArrayPtr.h"
 #include "reading/DirectoryReader.h"
-#include "service/ComObject.h"
-#include "service/DicomDirImage.h"
-#include "service/DicomDirPatient.h"
-#include "service/DicomDirSeries.h"
-#include "service/DicomDirStudy.h"
+#include "service/LoadedRecords.h"
 #include "support/MyException.h"
 #include "support/TextConversion.h"
 
 namespace {
-
-constexpr halvorine::RecordCreators kCreators = {
-    &halvorine::CreateObject<halvorine::DicomDirPatient>,
-    &halvorine::CreateObject<halvorine::DicomDirStudy>,
-    &halvorine::CreateObject<halvorine::DicomDirSeries>,
-    &halvorine::CreateObject<halvorine::DicomDirImage>};
 
 // The process's folder, gone with the process.
 struct Folder {
@@ -58,7 +48,7 @@ std::string IndexFromWholeParse(const std::string& path, const std::string& fold
     parser.Parse(dataSet);
     const auto* sequence = dynamic_cast<DicomEngine::VRSequence*>(dataSet.Find(0x0004, 0x1220));
     if (sequence == nullptr) return {};
-    halvorine::DirectoryReader(index, kCreators, halvorine::ToWide(folder))
+    halvorine::DirectoryReader(index, halvorine::kRecordCreators, halvorine::ToWide(folder))
         .BuildRecordOffsetIndex(
             *sequence, halvorine::DirectoryReader::LocateRecordSequence(dataSet, parser), parser);
   } catch (const halvorine::MyException& failure) {
@@ -80,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   halvorine::SafeArrayPtr patients;
   std::string failure;
   try {
-    halvorine::DirectoryReader(index, kCreators, halvorine::ToWide(folder.path))
+    halvorine::DirectoryReader(index, halvorine::kRecordCreators, halvorine::ToWide(folder.path))
         .ReadDirectory(path, patients.Receive());
   } catch (const halvorine::MyException& raised) {
     // An orderly failure is an answer like a tree.

@@ -42,11 +42,13 @@ std::optional<std::string_view> ReadText(const RecordValues& record, std::uint16
   return text;
 }
 
-std::optional<int> ReadNumber(const RecordValues& record, std::uint16_t group,
-                              std::uint16_t element) {
+// The text's atoi, in the type of the field that it fills.
+template <class Number>
+std::optional<Number> ReadNumber(const RecordValues& record, std::uint16_t group,
+                                 std::uint16_t element) {
   const std::optional<std::string_view> text = ReadText(record, group, element);
   if (!text) return std::nullopt;
-  return std::atoi(text->data());
+  return static_cast<Number>(std::atoi(text->data()));
 }
 
 double ReadStudyDate(const RecordValues& record) {
@@ -55,15 +57,10 @@ double ReadStudyDate(const RecordValues& record) {
   return DicomToOleDate(date ? date->data() : nullptr, time ? time->data() : nullptr);
 }
 
-template <class Interface>
-ComPtr<Interface> Create(RecordCreators::Creator creator, REFIID iid) {
+template <class Fields, class Interface>
+ComPtr<IUnknown> Create(HRESULT (*creator)(const Fields&, Interface**), const Fields& fields) {
   ComPtr<Interface> object;
-  Check(creator(iid, reinterpret_cast<void**>(object.Receive())), __LINE__);
-  return object;
-}
-
-template <class Interface>
-ComPtr<IUnknown> AsUnknown(ComPtr<Interface> object) {
+  Check(creator(fields, object.Receive()), __LINE__);
   return ComPtr<IUnknown>::Adopt(object.Detach());
 }
 
@@ -141,63 +138,43 @@ std::string RecordMapper::ReadRecordType(const RecordValues& record) {
   return std::string(*type);
 }
 
-BSTR RecordMapper::ReadStringAttribute(const RecordValues& record, std::uint16_t group,
-                                       std::uint16_t element) {
-  const std::optional<std::string_view> text = ReadText(record, group, element);
-  return text ? scratch_.Widen(*text) : nullptr;
-}
-
 ComPtr<IUnknown> RecordMapper::MakePatient(const RecordValues& record) {
-  auto patient = Create<IDicomDirPatient>(creators_.patient, IID_IDicomDirPatient);
-  Check(patient->SetDicomPatName(ReadStringAttribute(record, 0x0010, 0x0010)), __LINE__);
-  Check(patient->SetPatientID(ReadStringAttribute(record, 0x0010, 0x0020)), __LINE__);
-  return AsUnknown(std::move(patient));
+  return Create(creators_.patient,
+                PatientFields{ReadText(record, 0x0010, 0x0010), ReadText(record, 0x0010, 0x0020)});
 }
 
+// The date's status is not looked at: 0.0 stands for no date.
 ComPtr<IUnknown> RecordMapper::MakeStudy(const RecordValues& record) {
-  auto study = Create<IDicomDirStudy>(creators_.study, IID_IDicomDirStudy);
-  // The date's status is not looked at: 0.0 stands for no date.
-  study->SetStudyDate(ReadStudyDate(record));
-  Check(study->SetAccessionNr(ReadStringAttribute(record, 0x0008, 0x0050)), __LINE__);
-  Check(study->SetStudyDescription(ReadStringAttribute(record, 0x0008, 0x1030)), __LINE__);
-  Check(study->SetInstitution(ReadStringAttribute(record, 0x0008, 0x0080)), __LINE__);
-  Check(study->SetStudyInstUID(ReadStringAttribute(record, 0x0020, 0x000D)), __LINE__);
-  Check(study->SetStudyID(ReadStringAttribute(record, 0x0020, 0x0010)), __LINE__);
-  return AsUnknown(std::move(study));
+  return Create(creators_.study,
+                StudyFields{ReadStudyDate(record), ReadText(record, 0x0008, 0x0050),
+                            ReadText(record, 0x0008, 0x1030), ReadText(record, 0x0008, 0x0080),
+                            ReadText(record, 0x0020, 0x000D), ReadText(record, 0x0020, 0x0010)});
 }
 
 ComPtr<IUnknown> RecordMapper::MakeSeries(const RecordValues& record) {
-  auto series = Create<IDicomDirSeries>(creators_.series, IID_IDicomDirSeries);
-  Check(series->SetModality(ReadStringAttribute(record, 0x0008, 0x0060)), __LINE__);
-  Check(series->SetSeriesInstUID(ReadStringAttribute(record, 0x0020, 0x000E)), __LINE__);
-  if (const std::optional<int> number = ReadNumber(record, 0x0020, 0x0011)) {
-    Check(series->SetSeriesNumber(static_cast<SHORT>(*number)), __LINE__);
-  }
-  return AsUnknown(std::move(series));
+  return Create(creators_.series,
+                SeriesFields{ReadText(record, 0x0008, 0x0060), ReadText(record, 0x0020, 0x000E),
+                             ReadNumber<SHORT>(record, 0x0020, 0x0011)});
 }
 
 ComPtr<IUnknown> RecordMapper::MakeImage(const RecordValues& record, std::uint32_t offset) {
-  auto image = Create<IDicomDirImage>(creators_.image, IID_IDicomDirImage);
-  Check(image->SetImageFilename(ImagePath(record, offset)), __LINE__);
-  Check(image->SetSOPClassUID(ReadStringAttribute(record, 0x0004, 0x1510)), __LINE__);
-  Check(image->SetSOPInstanceUID(ReadStringAttribute(record, 0x0004, 0x1511)), __LINE__);
-  if (const std::optional<int> number = ReadNumber(record, 0x0020, 0x0013)) {
-    Check(image->SetInstanceNumber(static_cast<LONGLONG>(*number)), __LINE__);
-  }
-  return AsUnknown(std::move(image));
+  const std::string path = ImagePath(record, offset);
+  return Create(creators_.image,
+                ImageFields{path, ReadText(record, 0x0004, 0x1510), ReadText(record, 0x0004, 0x1511),
+                            ReadNumber<LONGLONG>(record, 0x0020, 0x0013)});
 }
 
 // A missing File ID leaves the folder and a separator.
-BSTR RecordMapper::ImagePath(const RecordValues& record, std::uint32_t offset) {
+std::string RecordMapper::ImagePath(const RecordValues& record, std::uint32_t offset) {
   const std::optional<std::string_view> fileId = ReadText(record, 0x0004, 0x1500);
-  if (!fileId) return scratch_.Widen(folder_ + '/');
+  if (!fileId) return folder_ + '/';
   if (!ImagePathResolver::SplitFileId(*fileId, components_)) {
     Raise(kUnit, __LINE__,
           "The Referenced File ID \"%s\" of the DICOMDIR record at offset %u leads outside the "
           "folder.",
           std::string(*fileId).c_str(), offset);
   }
-  return scratch_.Widen(paths_.Resolve(components_));
+  return paths_.Resolve(components_);
 }
 
 void RecordMapper::LinkChildren(IUnknown* parent, RecordLevel level, std::uint32_t offset,

@@ -13,20 +13,10 @@
 #include "platform/ComPtr.h"
 #include "platform/SafeArrayPtr.h"
 #include "reading/ImagePathResolver.h"
+#include "reading/RecordFields.h"
 #include "reading/RecordValues.h"
-#include "support/TextConversion.h"
 
 namespace halvorine {
-
-// How the reading layer makes record objects without linking to the service above it: each
-// creator makes a new object of its level and asks it for riid, as CreateObject does.
-struct RecordCreators {
-  using Creator = HRESULT (*)(REFIID riid, void** ppv);
-  Creator patient;
-  Creator study;
-  Creator series;
-  Creator image;
-};
 
 // kOther for every record type but the four: such a record gives no object.
 enum class RecordLevel { kPatient, kStudy, kSeries, kImage, kOther };
@@ -60,20 +50,17 @@ class RecordMapper {
   static std::string ReadRecordType(const RecordValues& record);
 
  private:
-  // Null when the element is missing, isn't a text or is empty; else valid until the next call.
-  BSTR ReadStringAttribute(const RecordValues& record, std::uint16_t group, std::uint16_t element);
   ComPtr<IUnknown> MakePatient(const RecordValues& record);
   ComPtr<IUnknown> MakeStudy(const RecordValues& record);
   ComPtr<IUnknown> MakeSeries(const RecordValues& record);
   ComPtr<IUnknown> MakeImage(const RecordValues& record, std::uint32_t offset);
-  BSTR ImagePath(const RecordValues& record, std::uint32_t offset);
+  std::string ImagePath(const RecordValues& record, std::uint32_t offset);
   void LinkChildren(IUnknown* parent, RecordLevel level, std::uint32_t offset, ChildList& children);
 
   RecordCreators creators_;
   std::string folder_;
   ImagePathResolver paths_;
   std::vector<std::string_view> components_;  // of the File ID being resolved
-  BStringScratch scratch_;
 };
 
 }  // namespace halvorine

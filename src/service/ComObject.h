@@ -64,6 +64,22 @@ HRESULT CreateObject(REFIID riid, void** ppv) {
   return hr;
 }
 
+// Makes a T with one reference for *object and lets fill store into it; fill tells whether memory
+// sufficed, and when it didn't the object goes again.
+template <class T, class Interface, class Fill>
+HRESULT CreateFilledObject(Interface** object, Fill fill) {
+  *object = nullptr;
+  T* made = new (std::nothrow) T;
+  if (made == nullptr) return E_OUTOFMEMORY;
+  made->AddRef();
+  if (!fill(*made)) {
+    made->Release();
+    return E_OUTOFMEMORY;
+  }
+  *object = made;
+  return S_OK;
+}
+
 }  // namespace halvorine
 
 #endif  // HALVORINE_SERVICE_COMOBJECT_H

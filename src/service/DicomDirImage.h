@@ -3,6 +3,7 @@
 
 #include <halvorine/dicomdir.h>
 
+#include "reading/RecordFields.h"
 #include "service/ComObject.h"
 #include "service/RecordProperties.h"
 
@@ -87,6 +88,16 @@ class DicomDirImage final : public ComObject<IDicomDirImage, IID_IDicomDirImage>
   HALVORINE_DETAIL_VALUE_PROPERTY(LONG, ShutterPresentationValue, nShutterPresentationValue,
                                   shutterPresentationValue)
   HALVORINE_LINK_PROPERTY(IDicomDirSeries, Series, ppSeries, pSeries, series_)
+
+  // The object of a loaded record.
+  static HRESULT Create(const ImageFields& fields, IDicomDirImage** object) {
+    return CreateFilledObject<DicomDirImage>(object, [&](DicomDirImage& made) {
+      made.instanceNumber_ = fields.instanceNumber.value_or(made.instanceNumber_);
+      return made.imageFilename_.SetUtf8(fields.imageFilename) &&
+             made.sopClassUID_.SetUtf8(fields.sopClassUID) &&
+             made.sopInstanceUID_.SetUtf8(fields.sopInstanceUID);
+    });
+  }
 
  private:
   struct Details {

@@ -5,11 +5,8 @@
 
 #include "reading/DirectoryLocation.h"
 #include "reading/DirectoryReader.h"
-#include "service/DicomDirImage.h"
-#include "service/DicomDirPatient.h"
-#include "service/DicomDirSeries.h"
-#include "service/DicomDirStudy.h"
 #include "service/FailureBoundary.h"
+#include "service/LoadedRecords.h"
 #include "support/TraceLog.h"
 #include "writing/DiscBuilder.h"
 #include "writing/ViewerPackage.h"
@@ -18,10 +15,6 @@ namespace halvorine {
 namespace {
 
 constexpr std::uint32_t kHighestTraceLevel = 4;
-
-constexpr RecordCreators kRecordCreators = {
-    &CreateObject<DicomDirPatient>, &CreateObject<DicomDirStudy>, &CreateObject<DicomDirSeries>,
-    &CreateObject<DicomDirImage>};
 
 }  // namespace
 

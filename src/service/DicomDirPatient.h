@@ -3,6 +3,7 @@
 
 #include <halvorine/dicomdir.h>
 
+#include "reading/RecordFields.h"
 #include "service/ComObject.h"
 #include "service/RecordProperties.h"
 
@@ -17,6 +18,14 @@ class DicomDirPatient final : public ComObject<IDicomDirPatient, IID_IDicomDirPa
   HALVORINE_TEXT_PROPERTY(DicomPatName, strDicomPatName, dicomPatName_)
   HALVORINE_TEXT_PROPERTY(PatientSex, strPatSex, patientSex_)
   HALVORINE_ARRAY_PROPERTY(Studies, ppStudies, pStudies, studies_)
+
+  // The object of a loaded record.
+  static HRESULT Create(const PatientFields& fields, IDicomDirPatient** object) {
+    return CreateFilledObject<DicomDirPatient>(object, [&](DicomDirPatient& made) {
+      return made.dicomPatName_.SetUtf8(fields.patientName) &&
+             made.patientID_.SetUtf8(fields.patientID);
+    });
+  }
 
  private:
   // Members go in reverse order: the array, and with it the children, before the texts.

@@ -3,6 +3,7 @@
 
 #include <halvorine/dicomdir.h>
 
+#include "reading/RecordFields.h"
 #include "service/ComObject.h"
 #include "service/RecordProperties.h"
 
@@ -22,6 +23,15 @@ class DicomDirSeries final : public ComObject<IDicomDirSeries, IID_IDicomDirSeri
   HRESULT SetCalibration(double dPixelSpacingX, double dPixelSpacingY) override;
   HALVORINE_ARRAY_PROPERTY(Images, ppImages, pImages, images_)
   HALVORINE_LINK_PROPERTY(IDicomDirStudy, Study, ppStudy, pStudy, study_)
+
+  // The object of a loaded record.
+  static HRESULT Create(const SeriesFields& fields, IDicomDirSeries** object) {
+    return CreateFilledObject<DicomDirSeries>(object, [&](DicomDirSeries& made) {
+      made.seriesNumber_ = fields.seriesNumber.value_or(made.seriesNumber_);
+      return made.modality_.SetUtf8(fields.modality) &&
+             made.seriesInstUID_.SetUtf8(fields.seriesInstUID);
+    });
+  }
 
  private:
   TextField seriesInstUID_;

@@ -3,6 +3,7 @@
 
 #include <halvorine/dicomdir.h>
 
+#include "reading/RecordFields.h"
 #include "service/ComObject.h"
 #include "service/RecordProperties.h"
 
@@ -21,6 +22,19 @@ class DicomDirStudy final : public ComObject<IDicomDirStudy, IID_IDicomDirStudy>
   HALVORINE_VALUE_PROPERTY(DATE, StudyDate, studyDate, studyDate_)
   HALVORINE_ARRAY_PROPERTY(Series, ppSeries, pSeries, series_)
   HALVORINE_LINK_PROPERTY(IDicomDirPatient, Patient, ppPatient, pPatient, patient_)
+
+
+  // The object of a loaded record.
+  static HRESULT Create(const StudyFields& fields, IDicomDirStudy** object) {
+    return CreateFilledObject<DicomDirStudy>(object, [&](DicomDirStudy& made) {
+      made.studyDate_ = fields.studyDate;
+      return made.accessionNr_.SetUtf8(fields.accessionNr) &&
+             made.studyDescription_.SetUtf8(fields.studyDescription) &&
+             made.institution_.SetUtf8(fields.institution) &&
+             made.studyInstUID_.SetUtf8(fields.studyInstUID) &&
+             made.studyID_.SetUtf8(fields.studyID);
+    });
+  }
 
  private:
   TextField studyInstUID_;

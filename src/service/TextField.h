@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string_view>
 
 namespace halvorine {
 
@@ -22,6 +24,9 @@ class TextField {
   // Keeps a copy of text up to its first NUL; null makes the field null. False when memory runs
   // out, and the field is then unchanged.
   bool Set(const OLECHAR* text);
+  // As Set with text's UTF-16 form (Utf8ToUtf16), which it makes only for a text beyond ASCII;
+  // nothing makes the field null.
+  bool SetUtf8(std::optional<std::string_view> text);
 
  private:
   // The block: this header, then length units of unitSize bytes each.
@@ -29,6 +34,9 @@ class TextField {
     std::uint32_t length;
     std::uint32_t unitSize;
   };
+
+  // A block for length units of unitSize bytes, its header filled; null when memory runs out.
+  static std::unique_ptr<std::byte[]> MakeBlock(std::size_t length, std::uint32_t unitSize);
 
   std::unique_ptr<std::byte[]> block_;
 };

@@ -163,7 +163,7 @@ std::string LoadTree(const std::string& folder) {
   SafeArrayPtr patients;
   const std::string message = RaisedMessage([&] {
     RecordOffsetIndex index;
-    DirectoryReader(index, kCreators, ToWide(folder))
+    DirectoryReader(index, kRecordCreators, ToWide(folder))
         .ReadDirectory(folder + "/DICOMDIR", patients.Receive());
   });
   if (message == "nothing raised") return LoadedTree(patients.get());

@@ -10,17 +10,9 @@
 #include <string>
 
 #include "DicomDirVariants.h"
-#include "reading/RecordMapper.h"
-#include "service/DicomDirImage.h"
-#include "service/DicomDirPatient.h"
-#include "service/DicomDirSeries.h"
-#include "service/DicomDirStudy.h"
+#include "service/LoadedRecords.h"
 
 namespace halvorine::testing {
-
-inline constexpr RecordCreators kCreators = {
-    &CreateObject<DicomDirPatient>, &CreateObject<DicomDirStudy>, &CreateObject<DicomDirSeries>,
-    &CreateObject<DicomDirImage>};
 
 std::string LoadedTree(SAFEARRAY* patients);
 

@@ -55,7 +55,7 @@ class RecordMapperTest : public ::testing::Test {
     return mapper_.MapRecord(RecordValues(PlainElementsOf(item)), 400, children);
   }
 
-  RecordMapper mapper_{kCreators, u"/disc"};
+  RecordMapper mapper_{kRecordCreators, u"/disc"};
 };
 
 // An empty type is there: it gives no object and no failure. A number in front hides the text.

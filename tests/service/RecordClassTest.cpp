@@ -4,11 +4,14 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
+#include <string>
 #include <type_traits>
 #include <vector>
 
 #include "ServiceTestSupport.h"
 #include "platform/com/CountingUnknown.h"
+#include "service/LoadedRecords.h"
 #include "service/ModuleLock.h"
 #include "support/TextConversion.h"
 
@@ -134,6 +137,48 @@ TEST_F(RecordClassTest, TextsAreCopiesUpToTheFirstNulAndNullStaysApartFromEmpty)
     EXPECT_EQ(patient->SetPatientID(Text(text).get()), S_OK);
     EXPECT_EQ(read(), text);
   }
+}
+
+// A loaded record's object holds each text as its setter holds the text's UTF-16 form: ASCII, a
+// text beyond it, one cut at a NUL, an empty one; an absent text stays null, an absent number at
+// its start. Each field lands in its own place.
+TEST_F(RecordClassTest, LoadedObjectsHoldWhatTheirSettersWould) {
+  const std::string texts[] = {"1.2.840 ",         std::string("ab\0cd", 5),
+                               "M\xC3\xBCller",     "\xF0\x9D\x84\x9E",
+                               "\xFF\xC3(" "a\xC4", ""};
+  for (const std::string& text : texts) {
+    SCOPED_TRACE(text);
+    ComPtr<P> patient;
+    ASSERT_EQ(DicomDirPatient::Create({text, std::nullopt}, patient.Receive()), S_OK);
+    EXPECT_EQ(ReadText(patient.get(), &P::GetDicomPatName), ToWide(text));
+    EXPECT_EQ(ReadText(patient.get(), &P::GetPatientID), u"(null)");
+  }
+  ComPtr<St> study;
+  ASSERT_EQ(DicomDirStudy::Create({2.5, "acc", "descr", "inst", "1.2", "id"}, study.Receive()),
+            S_OK);
+  DATE date = 0.0;
+  study->GetStudyDate(&date);
+  EXPECT_EQ(date, 2.5);
+  EXPECT_EQ(ReadText(study.get(), &St::GetAccessionNr), u"acc");
+  EXPECT_EQ(ReadText(study.get(), &St::GetStudyDescription), u"descr");
+  EXPECT_EQ(ReadText(study.get(), &St::GetInstitution), u"inst");
+  EXPECT_EQ(ReadText(study.get(), &St::GetStudyInstUID), u"1.2");
+  EXPECT_EQ(ReadText(study.get(), &St::GetStudyID), u"id");
+  ComPtr<Se> series;
+  ASSERT_EQ(DicomDirSeries::Create({"MR", "1.3", std::nullopt}, series.Receive()), S_OK);
+  EXPECT_EQ(ReadText(series.get(), &Se::GetModality), u"MR");
+  EXPECT_EQ(ReadText(series.get(), &Se::GetSeriesInstUID), u"1.3");
+  ComPtr<I> image;
+  ASSERT_EQ(DicomDirImage::Create({"/d/IM1", "1.4", "1.5", -7}, image.Receive()), S_OK);
+  EXPECT_EQ(ReadText(image.get(), &I::GetImageFilename), u"/d/IM1");
+  EXPECT_EQ(ReadText(image.get(), &I::GetSOPClassUID), u"1.4");
+  EXPECT_EQ(ReadText(image.get(), &I::GetSOPInstanceUID), u"1.5");
+  SHORT seriesNumber = 1;
+  LONGLONG instanceNumber = 0;
+  series->GetSeriesNumber(&seriesNumber);
+  image->GetInstanceNumber(&instanceNumber);
+  EXPECT_EQ(seriesNumber, 0);
+  EXPECT_EQ(instanceNumber, -7);
 }
 
 // The three pairs start at zero and keep their own values, and write neither out unless they
