@@ -34,7 +34,7 @@ DirectoryReader::DirectoryReader(RecordOffsetIndex& recordOffsetIndex,
 
 void DirectoryReader::ReadDirectory(const std::string& path, SAFEARRAY** ppPatients) {
   const std::int32_t root = IndexRecords(path);
-  open_.assign(recordOffsetIndex_.size(), false);
+  open_.assign(recordOffsetIndex_.entries.size(), false);
   ChildList patients;
   WalkRecordChain(root, patients, 0);
   RecordMapper::PassOverWrongLevels(patients, RecordLevel::kPatient, 0);
@@ -56,7 +56,8 @@ std::int32_t DirectoryReader::IndexRecords(const std::string& path) {
   parser.SetPlainItemHandler(
       [&](const VR& sequence, const DicomEngine::PlainItem& item, std::uint32_t itemLength) {
         if (!IsIndexed(sequence, dataSet, parser)) return false;
-        recordOffsetIndex_.emplace_back(offset_, RecordValues(item.Elements()));
+        recordOffsetIndex_.entries.emplace_back(
+            offset_, RecordValues(item.Elements(), recordOffsetIndex_.texts));
         ++recordCount_;
         offset_ += kItemHeaderSize + itemLength;
         return true;
@@ -110,8 +111,9 @@ void DirectoryReader::BuildRecordOffsetIndex(const DicomEngine::VRSequence& sequ
 }
 
 void DirectoryReader::ClearIndex(std::size_t room) {
-  recordOffsetIndex_.clear();
-  recordOffsetIndex_.reserve(room);
+  recordOffsetIndex_.entries.clear();
+  recordOffsetIndex_.entries.reserve(room);
+  recordOffsetIndex_.texts.Clear();
   recordCount_ = 0;
 }
 
@@ -121,8 +123,9 @@ void DirectoryReader::IndexEntry(const VR& entry, std::uint32_t& offset,
   const auto* record =
       IsItem(entry) ? DicomEngine::ElementCast<VRContainer, DicomEngine::VRSequenceItem>(entry)
                     : nullptr;
-  recordOffsetIndex_.emplace_back(offset,
-                                  record ? RecordValues(PlainElementsOf(*record)) : RecordValues());
+  recordOffsetIndex_.entries.emplace_back(
+      offset, record ? RecordValues(PlainElementsOf(*record), recordOffsetIndex_.texts)
+                     : RecordValues());
   if (IsItem(entry)) ++recordCount_;
   AdvanceOverElement(offset, entry, parser);
 }
@@ -151,7 +154,7 @@ void DirectoryReader::WalkRecordChain(std::int32_t offset, ChildList& childList,
   while (true) {
     const auto key = static_cast<std::uint32_t>(offset);
     const std::size_t position = PositionOf(key);
-    const RecordValues& record = recordOffsetIndex_[position].second;
+    const RecordValues& record = recordOffsetIndex_.entries[position].second;
     Enter(position, depth);
     chain.push_back(position);
     ChildList children;
@@ -175,15 +178,16 @@ std::uint32_t DirectoryReader::HeaderSize(const VR& element, const DicomEngine::
 // last one found is tried before the search, which on a large directory misses the cache at every
 // step.
 std::size_t DirectoryReader::PositionOf(std::uint32_t offset) {
+  const auto& entries = recordOffsetIndex_.entries;
   std::size_t position = nextGuess_;
-  if (position >= recordOffsetIndex_.size() || recordOffsetIndex_[position].first != offset) {
+  if (position >= entries.size() || entries[position].first != offset) {
     position = static_cast<std::size_t>(
-        std::lower_bound(recordOffsetIndex_.begin(), recordOffsetIndex_.end(), offset,
+        std::lower_bound(entries.begin(), entries.end(), offset,
                          [](const auto& entry, std::uint32_t key) { return entry.first < key; }) -
-        recordOffsetIndex_.begin());
+        entries.begin());
   }
-  if (position == recordOffsetIndex_.size() || recordOffsetIndex_[position].first != offset ||
-      !recordOffsetIndex_[position].second.IsRecord()) {
+  if (position == entries.size() || entries[position].first != offset ||
+      !entries[position].second.IsRecord()) {
     Raise(kUnit, __LINE__, "No DICOMDIR record begins at offset %u.", offset);
   }
   nextGuess_ = position + 1;
@@ -191,7 +195,7 @@ std::size_t DirectoryReader::PositionOf(std::uint32_t offset) {
 }
 
 void DirectoryReader::Enter(std::size_t position, int depth) {
-  const std::uint32_t offset = recordOffsetIndex_[position].first;
+  const std::uint32_t offset = recordOffsetIndex_.entries[position].first;
   if (open_[position]) {
     Raise(kUnit, __LINE__, "The DICOMDIR record at offset %u is linked in a cycle.", offset);
   }

@@ -22,13 +22,21 @@
 #include "engine/parsing/FileParser.h"
 #include "reading/RecordMapper.h"
 #include "reading/RecordValues.h"
+#include "reading/TextStore.h"
 
 namespace halvorine {
 
 // From the file offset of an item's tag to what the load reads of the item, in ascending order of
 // offsets: entries are added in file order, and each one is at least a header further on, so a
-// sorted vector serves as the ordered map.
-using RecordOffsetIndex = std::vector<std::pair<std::uint32_t, RecordValues>>;
+// sorted vector serves as the ordered map. The entries' texts live in texts.
+struct RecordOffsetIndex {
+  std::vector<std::pair<std::uint32_t, RecordValues>> entries;
+  TextStore texts;
+
+  friend bool operator==(const RecordOffsetIndex& a, const RecordOffsetIndex& b) {
+    return a.entries == b.entries;
+  }
+};
 
 class DirectoryReader {
  public:

@@ -85,7 +85,7 @@ std::int32_t RecordLink::Read(std::uint32_t where) const {
   return number_;
 }
 
-RecordValues::RecordValues(std::span<const DicomEngine::PlainElement> record)
+RecordValues::RecordValues(std::span<const DicomEngine::PlainElement> record, TextStore& store)
     : next(record, 0x0004, 0x1400), lower(record, 0x0004, 0x1420), isRecord_(true) {
   // The first element of a tag decides: one that is no text hides later ones.
   std::array<const DicomEngine::PlainElement*, kTags.size()> firsts{};
@@ -96,16 +96,20 @@ RecordValues::RecordValues(std::span<const DicomEngine::PlainElement> record)
   const auto isText = [](const DicomEngine::PlainElement* element) {
     return element != nullptr && element->kind == DicomEngine::PlainElement::Kind::kText;
   };
-  std::size_t size = 0;
+  std::size_t size = 1;
   for (const DicomEngine::PlainElement* element : firsts) {
     if (isText(element)) size += element->value.size() + 2;
   }
-  texts_.reserve(size);
+  char* const texts = store.Allocate(size);
+  char* end = texts;
   for (std::size_t i = 0; i < kTags.size(); ++i) {
     if (!isText(firsts[i])) continue;
-    texts_.push_back(static_cast<char>(i + 1));
-    texts_.append(firsts[i]->value).push_back('\0');
+    *end++ = static_cast<char>(i + 1);
+    end = std::ranges::copy(firsts[i]->value, end).out;
+    *end++ = '\0';
   }
+  *end = '\0';
+  texts_ = std::string_view(texts, size);
 }
 
 std::optional<std::string_view> RecordValues::Text(std::uint16_t group,
@@ -114,7 +118,7 @@ std::optional<std::string_view> RecordValues::Text(std::uint16_t group,
   if (index == kTags.size()) return std::nullopt;
   const auto mark = static_cast<char>(index + 1);
   // A parsed text holds no NUL, so each entry ends at the first one.
-  for (const char* entry = texts_.c_str(); *entry != '\0';) {
+  for (const char* entry = texts_.data(); *entry != '\0';) {
     const std::string_view value(entry + 1);
     if (*entry == mark) return value;
     entry = value.data() + value.size() + 1;

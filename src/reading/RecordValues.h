@@ -13,6 +13,7 @@
 
 #include "engine/elements/VRContainer.h"
 #include "engine/parsing/PlainItem.h"
+#include "reading/TextStore.h"
 
 namespace halvorine {
 
@@ -43,8 +44,9 @@ class RecordValues {
  public:
   // The entry of a delimiter or a fragment, where no record begins.
   RecordValues() = default;
-  // The record's elements as a plain item holds them, or as PlainElementsOf views a parsed one.
-  explicit RecordValues(std::span<const DicomEngine::PlainElement> record);
+  // The record's elements as a plain item holds them, or as PlainElementsOf views a parsed one;
+  // the kept texts go into store, which must outlive the values.
+  RecordValues(std::span<const DicomEngine::PlainElement> record, TextStore& store);
 
   bool IsRecord() const { return isRecord_; }
   // The value of a text element among those that a load reads, empty ones included; nothing when
@@ -59,9 +61,9 @@ class RecordValues {
  private:
   bool isRecord_ = false;
   // The kept texts in the order of their tags, one entry each: the tag's index among the kept
-  // tags plus one, the value, a NUL. A record keeps a handful, so a search through them costs less
-  // than room for all.
-  std::string texts_;
+  // tags plus one, the value, a NUL; then a NUL. A record keeps a handful, so a search through them
+  // costs less than room for all.
+  std::string_view texts_ = std::string_view("", 1);
 };
 
 // The elements of a parsed container as a plain item would hold them, viewing their values.

@@ -52,9 +52,10 @@ class RecordMapperTest : public ::testing::Test {
                                : DicomEngine::MakeText("LO", group, element, value),
                   false);
     }
-    return mapper_.MapRecord(RecordValues(PlainElementsOf(item)), 400, children);
+    return mapper_.MapRecord(RecordValues(PlainElementsOf(item), texts_), 400, children);
   }
 
+  TextStore texts_;
   RecordMapper mapper_{kRecordCreators, u"/disc"};
 };
 
