@@ -73,7 +73,10 @@ Child* As(const MappedRecord& entry) {
 }  // namespace
 
 RecordMapper::RecordMapper(const RecordCreators& creators, std::u16string_view directoryName)
-    : creators_(creators), folder_(ToNarrow(directoryName)), paths_(folder_) {}
+    : creators_(creators),
+      folder_(ToNarrow(directoryName)),
+      folderPath_(folder_ + '/'),
+      paths_(folder_) {}
 
 MappedRecord RecordMapper::MapRecord(const RecordValues& record, std::uint32_t offset,
                                      ChildList& children) {
@@ -158,16 +161,15 @@ ComPtr<IUnknown> RecordMapper::MakeSeries(const RecordValues& record) {
 }
 
 ComPtr<IUnknown> RecordMapper::MakeImage(const RecordValues& record, std::uint32_t offset) {
-  const std::string path = ImagePath(record, offset);
   return Create(creators_.image,
-                ImageFields{path, ReadText(record, 0x0004, 0x1510), ReadText(record, 0x0004, 0x1511),
+                ImageFields{ImagePath(record, offset), ReadText(record, 0x0004, 0x1510), ReadText(record, 0x0004, 0x1511),
                             ReadNumber<LONGLONG>(record, 0x0020, 0x0013)});
 }
 
 // A missing File ID leaves the folder and a separator.
-std::string RecordMapper::ImagePath(const RecordValues& record, std::uint32_t offset) {
+std::string_view RecordMapper::ImagePath(const RecordValues& record, std::uint32_t offset) {
   const std::optional<std::string_view> fileId = ReadText(record, 0x0004, 0x1500);
-  if (!fileId) return folder_ + '/';
+  if (!fileId) return folderPath_;
   if (!ImagePathResolver::SplitFileId(*fileId, components_)) {
     Raise(kUnit, __LINE__,
           "The Referenced File ID \"%s\" of the DICOMDIR record at offset %u leads outside the "

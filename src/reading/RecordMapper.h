@@ -54,11 +54,13 @@ class RecordMapper {
   ComPtr<IUnknown> MakeStudy(const RecordValues& record);
   ComPtr<IUnknown> MakeSeries(const RecordValues& record);
   ComPtr<IUnknown> MakeImage(const RecordValues& record, std::uint32_t offset);
-  std::string ImagePath(const RecordValues& record, std::uint32_t offset);
+  // Valid until the next call.
+  std::string_view ImagePath(const RecordValues& record, std::uint32_t offset);
   void LinkChildren(IUnknown* parent, RecordLevel level, std::uint32_t offset, ChildList& children);
 
   RecordCreators creators_;
   std::string folder_;
+  std::string folderPath_;  // the path of an image without a File ID
   ImagePathResolver paths_;
   std::vector<std::string_view> components_;  // of the File ID being resolved
 };
