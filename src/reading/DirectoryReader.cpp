@@ -124,8 +124,8 @@ void DirectoryReader::IndexEntry(const VR& entry, std::uint32_t& offset,
       IsItem(entry) ? DicomEngine::ElementCast<VRContainer, DicomEngine::VRSequenceItem>(entry)
                     : nullptr;
   recordOffsetIndex_.entries.emplace_back(
-      offset, record ? RecordValues(PlainElementsOf(*record), recordOffsetIndex_.texts)
-                     : RecordValues());
+      offset,
+      record ? RecordValues(PlainElementsOf(*record), recordOffsetIndex_.texts) : RecordValues());
   if (IsItem(entry)) ++recordCount_;
   AdvanceOverElement(offset, entry, parser);
 }

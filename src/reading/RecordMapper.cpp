@@ -161,9 +161,10 @@ ComPtr<IUnknown> RecordMapper::MakeSeries(const RecordValues& record) {
 }
 
 ComPtr<IUnknown> RecordMapper::MakeImage(const RecordValues& record, std::uint32_t offset) {
-  return Create(creators_.image,
-                ImageFields{ImagePath(record, offset), ReadText(record, 0x0004, 0x1510), ReadText(record, 0x0004, 0x1511),
-                            ReadNumber<LONGLONG>(record, 0x0020, 0x0013)});
+  return Create(
+      creators_.image,
+      ImageFields{ImagePath(record, offset), ReadText(record, 0x0004, 0x1510),
+                  ReadText(record, 0x0004, 0x1511), ReadNumber<LONGLONG>(record, 0x0020, 0x0013)});
 }
 
 // A missing File ID leaves the folder and a separator.

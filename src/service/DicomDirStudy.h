@@ -23,7 +23,6 @@ class DicomDirStudy final : public ComObject<IDicomDirStudy, IID_IDicomDirStudy>
   HALVORINE_ARRAY_PROPERTY(Series, ppSeries, pSeries, series_)
   HALVORINE_LINK_PROPERTY(IDicomDirPatient, Patient, ppPatient, pPatient, patient_)
 
-
   // The object of a loaded record.
   static HRESULT Create(const StudyFields& fields, IDicomDirStudy** object) {
     return CreateFilledObject<DicomDirStudy>(object, [&](DicomDirStudy& made) {

@@ -10,9 +10,8 @@
 
 namespace halvorine {
 
-inline constexpr RecordCreators kRecordCreators = {&DicomDirPatient::Create,
-                                                   &DicomDirStudy::Create, &DicomDirSeries::Create,
-                                                   &DicomDirImage::Create};
+inline constexpr RecordCreators kRecordCreators = {&DicomDirPatient::Create, &DicomDirStudy::Create,
+                                                   &DicomDirSeries::Create, &DicomDirImage::Create};
 
 }  // namespace halvorine
 

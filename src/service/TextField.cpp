@@ -67,7 +67,8 @@ bool TextField::SetUtf8(std::optional<std::string_view> text) {
 
 std::unique_ptr<std::byte[]> TextField::MakeBlock(std::size_t length, std::uint32_t unitSize) {
   const Header header{static_cast<std::uint32_t>(length), unitSize};
-  std::unique_ptr<std::byte[]> block(new (std::nothrow) std::byte[sizeof header + length * unitSize]);
+  std::unique_ptr<std::byte[]> block(new (std::nothrow)
+                                         std::byte[sizeof header + length * unitSize]);
   if (block) std::memcpy(block.get(), &header, sizeof header);
   return block;
 }

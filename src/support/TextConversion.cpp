@@ -1,6 +1,5 @@
 #include "support/TextConversion.h"
 
-
 #include "platform/TextCodec.h"
 
 namespace halvorine {

@@ -143,9 +143,13 @@ TEST_F(RecordClassTest, TextsAreCopiesUpToTheFirstNulAndNullStaysApartFromEmpty)
 // text beyond it, one cut at a NUL, an empty one; an absent text stays null, an absent number at
 // its start. Each field lands in its own place.
 TEST_F(RecordClassTest, LoadedObjectsHoldWhatTheirSettersWould) {
-  const std::string texts[] = {"1.2.840 ",         std::string("ab\0cd", 5),
-                               "M\xC3\xBCller",     "\xF0\x9D\x84\x9E",
-                               "\xFF\xC3(" "a\xC4", ""};
+  const std::string texts[] = {"1.2.840 ",
+                               std::string("ab\0cd", 5),
+                               "M\xC3\xBCller",
+                               "\xF0\x9D\x84\x9E",
+                               "\xFF\xC3("
+                               "a\xC4",
+                               ""};
   for (const std::string& text : texts) {
     SCOPED_TRACE(text);
     ComPtr<P> patient;
