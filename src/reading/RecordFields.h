@@ -37,7 +37,7 @@ struct ImageFields {
 
 // How the reading layer makes record objects without linking to the service above it: each
 // creator makes a new object of its level holding the fields, with one reference for *object.
-// The texts are stored as the interface's setters store their UTF-16 forms, without making them.
+// Each text is stored as the interface's setter would store its UTF-16 form.
 struct RecordCreators {
   HRESULT (*patient)(const PatientFields& fields, IDicomDirPatient** object);
   HRESULT (*study)(const StudyFields& fields, IDicomDirStudy** object);

@@ -74,9 +74,8 @@ Child* As(const MappedRecord& entry) {
 
 RecordMapper::RecordMapper(const RecordCreators& creators, std::u16string_view directoryName)
     : creators_(creators),
-      folder_(ToNarrow(directoryName)),
-      folderPath_(folder_ + '/'),
-      paths_(folder_) {}
+      folderPath_(ToNarrow(directoryName) + '/'),
+      paths_(folderPath_.substr(0, folderPath_.size() - 1)) {}
 
 MappedRecord RecordMapper::MapRecord(const RecordValues& record, std::uint32_t offset,
                                      ChildList& children) {

@@ -59,8 +59,7 @@ class RecordMapper {
   void LinkChildren(IUnknown* parent, RecordLevel level, std::uint32_t offset, ChildList& children);
 
   RecordCreators creators_;
-  std::string folder_;
-  std::string folderPath_;  // the path of an image without a File ID
+  std::string folderPath_;  // the folder and a separator: the path of an image without a File ID
   ImagePathResolver paths_;
   std::vector<std::string_view> components_;  // of the File ID being resolved
 };

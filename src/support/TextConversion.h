@@ -3,8 +3,6 @@
 #ifndef HALVORINE_SUPPORT_TEXTCONVERSION_H
 #define HALVORINE_SUPPORT_TEXTCONVERSION_H
 
-#include <halvorine/com.h>
-
 #include <string>
 #include <string_view>
 
