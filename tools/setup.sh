@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(
-  cmake ninja-build g++ pkg-config libcli11-dev
+  cmake ninja-build g++ pkg-config
   libgtest-dev libgmock-dev libbenchmark-dev
   dcmtk dicom3tools libgdcm-tools libdcmtk-dev libgdcm-dev
 )

@@ -15,11 +15,6 @@
 namespace halvorine {
 namespace {
 
-struct LoadOptions {
-  std::string folder;
-  bool quiet = false;
-};
-
 // A text field as "Name=[value]", the value with its padding; "Name=(null)" for a null one.
 template <class Interface>
 std::string Field(const char* name, Interface* object, HRESULT (Interface::*get)(BSTR*)) {
@@ -99,7 +94,9 @@ std::string FailureDescription() {
   return Utf16ToUtf8(description.View());
 }
 
-int Load(const LoadOptions& options) {
+}  // namespace
+
+int RunLoad(const std::string& folderName, bool quiet) {
   ComPtr<IDicomDirImpl> service;
   HRESULT status =
       CreateUnregisteredComInstance(reinterpret_cast<void**>(service.Receive()), IID_IDicomDirImpl);
@@ -108,7 +105,7 @@ int Load(const LoadOptions& options) {
                  static_cast<unsigned>(status));
     return 1;
   }
-  const BString folder = BString::Copy(std::u16string_view(Utf8ToUtf16(options.folder)));
+  const BString folder = BString::Copy(std::u16string_view(Utf8ToUtf16(folderName)));
   SafeArrayPtr patients;
   status = service->LoadDicomDir(folder.get(), patients.Receive());
   if (FAILED(status)) {
@@ -116,19 +113,8 @@ int Load(const LoadOptions& options) {
                  FailureDescription().c_str());
     return 1;
   }
-  if (!options.quiet) TreePrinter().PrintArray(patients.get(), 0);
+  if (!quiet) TreePrinter().PrintArray(patients.get(), 0);
   return 0;
-}
-
-}  // namespace
-
-void AddLoadCommand(CLI::App& app, int* exitCode) {
-  CLI::App* command =
-      app.add_subcommand("load", "Load the DICOMDIR of a folder and print its tree");
-  auto options = std::make_shared<LoadOptions>();
-  command->add_option("folder", options->folder, "The folder that holds the DICOMDIR")->required();
-  command->add_flag("--quiet", options->quiet, "Load and release the tree without printing it");
-  command->callback([options, exitCode] { *exitCode = Load(*options); });
 }
 
 }  // namespace halvorine
