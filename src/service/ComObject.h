@@ -3,10 +3,16 @@
 
 #include <halvorine/com.h>
 
+#include <array>
 #include <atomic>
+#include <cstddef>
 #include <new>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 #include "service/ModuleLock.h"
+#include "service/TextField.h"
 
 namespace halvorine {
 
@@ -42,6 +48,9 @@ class ComObject : public Interface, public ISupportErrorInfo {
     return IsEqualIID(riid, kIid) ? S_OK : S_FALSE;
   }
 
+  // Unsized: a loaded object's allocation holds its texts behind it (CreateLoadedObject).
+  static void operator delete(void* object) { ::operator delete(object); }
+
  protected:
   ComObject() { ModuleLock::Lock(); }
   virtual ~ComObject() { ModuleLock::Unlock(); }
@@ -64,15 +73,40 @@ HRESULT CreateObject(REFIID riid, void** ppv) {
   return hr;
 }
 
-// Makes a T with one reference for *object and lets fill store into it; fill tells whether memory
-// sufficed, and when it didn't the object goes again.
-template <class T, class Interface, class Fill>
-HRESULT CreateFilledObject(Interface** object, Fill fill) {
+// A text field of a T and the UTF-8 text that a load gives it.
+template <class T>
+using LoadedText = std::pair<TextField T::*, std::optional<std::string_view>>;
+
+// Makes a T with one reference for *object, sets its text fields to their texts and lets fill
+// store the rest. The ASCII texts, nearly all of a disc's, go behind the object in its own
+// allocation: one allocation and one free per record instead of one per text. fill tells whether
+// memory sufficed; when anything ran out the object goes again.
+template <class T, class Interface, std::size_t N, class Fill>
+HRESULT CreateLoadedObject(Interface** object, const std::array<LoadedText<T>, N>& texts,
+                           Fill fill) {
   *object = nullptr;
-  T* made = new (std::nothrow) T;
-  if (made == nullptr) return E_OUTOFMEMORY;
+  std::array<std::optional<std::string_view>, N> ascii;
+  std::size_t storageSize = 0;
+  for (std::size_t index = 0; index < N; ++index) {
+    ascii[index] = TextField::AsciiPart(texts[index].second);
+    if (ascii[index]) storageSize += TextField::StorageSize(*ascii[index]);
+  }
+  void* memory = ::operator new(sizeof(T) + storageSize, std::nothrow);
+  if (memory == nullptr) return E_OUTOFMEMORY;
+  T* made = new (memory) T;
   made->AddRef();
-  if (!fill(*made)) {
+  auto* storage = reinterpret_cast<std::byte*>(made + 1);
+  bool filled = fill(*made);
+  for (std::size_t index = 0; index < N && filled; ++index) {
+    TextField& field = (*made).*texts[index].first;
+    if (ascii[index]) {
+      field.SetAsciiAt(*ascii[index], storage);
+      storage += TextField::StorageSize(*ascii[index]);
+    } else {
+      filled = field.SetUtf8(texts[index].second);
+    }
+  }
+  if (!filled) {
     made->Release();
     return E_OUTOFMEMORY;
   }

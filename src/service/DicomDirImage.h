@@ -91,11 +91,14 @@ class DicomDirImage final : public ComObject<IDicomDirImage, IID_IDicomDirImage>
 
   // The object of a loaded record.
   static HRESULT Create(const ImageFields& fields, IDicomDirImage** object) {
-    return CreateFilledObject<DicomDirImage>(object, [&](DicomDirImage& made) {
+    const std::array<LoadedText<DicomDirImage>, 3> texts{{
+        {&DicomDirImage::imageFilename_, fields.imageFilename},
+        {&DicomDirImage::sopClassUID_, fields.sopClassUID},
+        {&DicomDirImage::sopInstanceUID_, fields.sopInstanceUID},
+    }};
+    return CreateLoadedObject<DicomDirImage>(object, texts, [&](DicomDirImage& made) {
       made.instanceNumber_ = fields.instanceNumber.value_or(made.instanceNumber_);
-      return made.imageFilename_.SetUtf8(fields.imageFilename) &&
-             made.sopClassUID_.SetUtf8(fields.sopClassUID) &&
-             made.sopInstanceUID_.SetUtf8(fields.sopInstanceUID);
+      return true;
     });
   }
 

@@ -21,10 +21,12 @@ class DicomDirPatient final : public ComObject<IDicomDirPatient, IID_IDicomDirPa
 
   // The object of a loaded record.
   static HRESULT Create(const PatientFields& fields, IDicomDirPatient** object) {
-    return CreateFilledObject<DicomDirPatient>(object, [&](DicomDirPatient& made) {
-      return made.dicomPatName_.SetUtf8(fields.patientName) &&
-             made.patientID_.SetUtf8(fields.patientID);
-    });
+    const std::array<LoadedText<DicomDirPatient>, 2> texts{{
+        {&DicomDirPatient::dicomPatName_, fields.patientName},
+        {&DicomDirPatient::patientID_, fields.patientID},
+    }};
+    return CreateLoadedObject<DicomDirPatient>(object, texts,
+                                               [](DicomDirPatient&) { return true; });
   }
 
  private:

@@ -26,10 +26,13 @@ class DicomDirSeries final : public ComObject<IDicomDirSeries, IID_IDicomDirSeri
 
   // The object of a loaded record.
   static HRESULT Create(const SeriesFields& fields, IDicomDirSeries** object) {
-    return CreateFilledObject<DicomDirSeries>(object, [&](DicomDirSeries& made) {
+    const std::array<LoadedText<DicomDirSeries>, 2> texts{{
+        {&DicomDirSeries::modality_, fields.modality},
+        {&DicomDirSeries::seriesInstUID_, fields.seriesInstUID},
+    }};
+    return CreateLoadedObject<DicomDirSeries>(object, texts, [&](DicomDirSeries& made) {
       made.seriesNumber_ = fields.seriesNumber.value_or(made.seriesNumber_);
-      return made.modality_.SetUtf8(fields.modality) &&
-             made.seriesInstUID_.SetUtf8(fields.seriesInstUID);
+      return true;
     });
   }
 

@@ -25,13 +25,16 @@ class DicomDirStudy final : public ComObject<IDicomDirStudy, IID_IDicomDirStudy>
 
   // The object of a loaded record.
   static HRESULT Create(const StudyFields& fields, IDicomDirStudy** object) {
-    return CreateFilledObject<DicomDirStudy>(object, [&](DicomDirStudy& made) {
+    const std::array<LoadedText<DicomDirStudy>, 5> texts{{
+        {&DicomDirStudy::accessionNr_, fields.accessionNr},
+        {&DicomDirStudy::studyDescription_, fields.studyDescription},
+        {&DicomDirStudy::institution_, fields.institution},
+        {&DicomDirStudy::studyInstUID_, fields.studyInstUID},
+        {&DicomDirStudy::studyID_, fields.studyID},
+    }};
+    return CreateLoadedObject<DicomDirStudy>(object, texts, [&](DicomDirStudy& made) {
       made.studyDate_ = fields.studyDate;
-      return made.accessionNr_.SetUtf8(fields.accessionNr) &&
-             made.studyDescription_.SetUtf8(fields.studyDescription) &&
-             made.institution_.SetUtf8(fields.institution) &&
-             made.studyInstUID_.SetUtf8(fields.studyInstUID) &&
-             made.studyID_.SetUtf8(fields.studyID);
+      return true;
     });
   }
 

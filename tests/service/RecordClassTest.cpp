@@ -183,6 +183,13 @@ TEST_F(RecordClassTest, LoadedObjectsHoldWhatTheirSettersWould) {
   image->GetInstanceNumber(&instanceNumber);
   EXPECT_EQ(seriesNumber, 0);
   EXPECT_EQ(instanceNumber, -7);
+  // A loaded text lies in the object's own allocation: a setter that replaces it, or makes it
+  // null, leaves that storage to the object and the texts beside it as they were.
+  EXPECT_EQ(image->SetImageFilename(Text(u"/e/IM22").get()), S_OK);
+  EXPECT_EQ(image->SetSOPClassUID(nullptr), S_OK);
+  EXPECT_EQ(ReadText(image.get(), &I::GetImageFilename), u"/e/IM22");
+  EXPECT_EQ(ReadText(image.get(), &I::GetSOPClassUID), u"(null)");
+  EXPECT_EQ(ReadText(image.get(), &I::GetSOPInstanceUID), u"1.5");
 }
 
 // The three pairs start at zero and keep their own values, and write neither out unless they
