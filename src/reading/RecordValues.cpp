@@ -58,6 +58,9 @@ class TagTable {
 };
 
 constexpr TagTable kTagTable;
+
+// An entry's length byte: the length of a shorter text, else this.
+constexpr std::size_t kLongText = 255;
 static_assert(kTagTable.IndexOf(0x00200013) == 16 && kTagTable.IndexOf(0x00200012) == 17);
 
 }  // namespace
@@ -98,13 +101,14 @@ RecordValues::RecordValues(std::span<const DicomEngine::PlainElement> record, Te
   };
   std::size_t size = 1;
   for (const DicomEngine::PlainElement* element : firsts) {
-    if (isText(element)) size += element->value.size() + 2;
+    if (isText(element)) size += element->value.size() + 3;
   }
   char* const texts = store.Allocate(size);
   char* end = texts;
   for (std::size_t i = 0; i < kTags.size(); ++i) {
     if (!isText(firsts[i])) continue;
     *end++ = static_cast<char>(i + 1);
+    *end++ = static_cast<char>(std::min<std::size_t>(firsts[i]->value.size(), kLongText));
     end = std::ranges::copy(firsts[i]->value, end).out;
     *end++ = '\0';
   }
@@ -117,9 +121,12 @@ std::optional<std::string_view> RecordValues::Text(std::uint16_t group,
   const std::size_t index = kTagTable.IndexOf(KeyOf(group, element));
   if (index == kTags.size()) return std::nullopt;
   const auto mark = static_cast<char>(index + 1);
-  // A parsed text holds no NUL, so each entry ends at the first one.
   for (const char* entry = texts_.data(); *entry != '\0';) {
-    const std::string_view value(entry + 1);
+    const auto shortLength = static_cast<unsigned char>(entry[1]);
+    // A parsed text holds no NUL, so a long one ends at the first.
+    const std::string_view value = shortLength < kLongText
+                                       ? std::string_view(entry + 2, shortLength)
+                                       : std::string_view(entry + 2);
     if (*entry == mark) return value;
     entry = value.data() + value.size() + 1;
   }

@@ -61,8 +61,8 @@ class RecordValues {
  private:
   bool isRecord_ = false;
   // The kept texts in the order of their tags, one entry each: the tag's index among the kept
-  // tags plus one, the value, a NUL; then a NUL. A record keeps a handful, so a search through them
-  // costs less than room for all.
+  // tags plus one, the value's length when below 255 (else 255), the value, a NUL; then a NUL. A
+  // record keeps a handful, so a search through them costs less than room for all.
   std::string_view texts_ = std::string_view("", 1);
 };
 
