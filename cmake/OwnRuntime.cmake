@@ -9,7 +9,8 @@ function(halvorine_own_runtime target)
   if(NOT HALVORINE_OWN_RUNTIME)
     return()
   endif()
-  target_link_options(${target} PRIVATE -static-libstdc++ -static-libgcc)
+  # --as-needed: the driver adds the math library for the runtime, which nothing of ours calls.
+  target_link_options(${target} PRIVATE -static-libstdc++ -static-libgcc -Wl,--as-needed)
   get_target_property(type ${target} TYPE)
   if(type STREQUAL "SHARED_LIBRARY")
     # The runtime's symbols stay inside the library, so that no host binds to them.

@@ -44,6 +44,13 @@ int DaysInMonth(int year, int month) {
   return month == 2 && IsLeapYear(year) ? 29 : kDays[month - 1];
 }
 
+// As llround for a value that is never negative, without the math library that a process would
+// load for it alone. Exact: a value below 2^52 less its whole part is.
+std::int64_t RoundHalfUp(double value) {
+  const auto whole = static_cast<std::int64_t>(value);
+  return value - static_cast<double>(whole) >= 0.5 ? whole + 1 : whole;
+}
+
 }  // namespace
 
 bool VariantTimeToSystemTime(double date, SystemTime* fields) {
@@ -52,7 +59,7 @@ bool VariantTimeToSystemTime(double date, SystemTime* fields) {
   const double whole = std::trunc(date);
   const double fraction = std::fabs(date - whole);
   std::int64_t days = static_cast<std::int64_t>(whole);
-  auto seconds = static_cast<std::int64_t>(std::llround(fraction * kSecondsPerDay));
+  std::int64_t seconds = RoundHalfUp(fraction * kSecondsPerDay);
   if (seconds >= static_cast<std::int64_t>(kSecondsPerDay)) {
     ++days;
     seconds = 0;
