@@ -58,10 +58,10 @@ class TagTable {
 };
 
 constexpr TagTable kTagTable;
+static_assert(kTagTable.IndexOf(0x00200013) == 16 && kTagTable.IndexOf(0x00200012) == 17);
 
 // An entry's length byte: the length of a shorter text, else this.
 constexpr std::size_t kLongText = 255;
-static_assert(kTagTable.IndexOf(0x00200013) == 16 && kTagTable.IndexOf(0x00200012) == 17);
 
 }  // namespace
 
