@@ -1,10 +1,42 @@
 #include "platform/ModulePath.h"
 
+#include <dlfcn.h>
+#include <errno.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <string_view>
 #include <vector>
 
 namespace halvorine {
+namespace {
+
+std::string CurrentDirectory() {
+  std::vector<char> buffer(4096);
+  while (getcwd(buffer.data(), buffer.size()) == nullptr) {
+    if (errno != ERANGE) return {};
+    buffer.resize(buffer.size() * 2);
+  }
+  return buffer.data();
+}
+
+// An absolute path with no empty, "." or ".." component.
+std::string LexicallyNormal(std::string_view absolute) {
+  std::string normal;
+  while (!absolute.empty()) {
+    const std::size_t end = std::min(absolute.find(kPathSeparator), absolute.size());
+    const std::string_view part = absolute.substr(0, end);
+    absolute.remove_prefix(std::min(end + 1, absolute.size()));
+    if (part == "..") {
+      normal.resize(normal.empty() ? 0 : normal.rfind(kPathSeparator));
+    } else if (!part.empty() && part != ".") {
+      (normal += kPathSeparator) += part;
+    }
+  }
+  return normal.empty() ? std::string(1, kPathSeparator) : normal;
+}
+
+}  // namespace
 
 std::string GetModuleDirectory() {
   std::vector<char> buffer(4096);
@@ -15,6 +47,16 @@ std::string GetModuleDirectory() {
   if (slash == std::string::npos) return {};
   path.resize(slash + 1);
   return path;
+}
+
+std::string GetLoadedModulePath(const void* address) {
+  Dl_info info{};
+  if (dladdr(address, &info) == 0 || info.dli_fname == nullptr || *info.dli_fname == '\0') {
+    return {};
+  }
+  if (*info.dli_fname == kPathSeparator) return LexicallyNormal(info.dli_fname);
+  const std::string folder = CurrentDirectory();
+  return folder.empty() ? folder : LexicallyNormal(folder + kPathSeparator + info.dli_fname);
 }
 
 }  // namespace halvorine

@@ -12,6 +12,19 @@ constexpr char kPathSeparator = '/';
 // empty text when the link can't be read. The data files are looked for there.
 std::string GetModuleDirectory();
 
+// The absolute path under which the module holding address was loaded, symbolic links kept and
+// "." and ".." taken away by name, so that a registration follows the name that leads to the file
+// after an upgrade. Empty when the loader doesn't know the address.
+std::string GetLoadedModulePath(const void* address);
+
+// The path without its last component: the folder of a file, "/" for a file at the root and empty
+// for a bare name.
+inline std::string ParentPath(const std::string& path) {
+  const std::size_t slash = path.rfind(kPathSeparator);
+  if (slash == std::string::npos) return {};
+  return path.substr(0, slash == 0 ? 1 : slash);
+}
+
 }  // namespace halvorine
 
 #endif  // HALVORINE_PLATFORM_MODULEPATH_H

@@ -1,11 +1,9 @@
 #include "service/Registrar.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 
+#include "platform/ModulePath.h"
 #include "service/TypeLibrary.h"
 #include "support/MyException.h"
 #include "support/TextConversion.h"
@@ -28,29 +26,24 @@ std::u16string Text(REFGUID guid) {
   return text;
 }
 
-// The absolute path under which the module holding this code was loaded, symbolic links kept,
-// so that the registry follows the file that the name leads to after an upgrade.
-std::filesystem::path ComponentPath() {
-  Dl_info info{};
-  if (dladdr(reinterpret_cast<void*>(&RegisterComponent), &info) == 0 ||
-      info.dli_fname == nullptr || *info.dli_fname == '\0') {
-    Raise("Registrar", __LINE__, "Can't find the path of the component.");
-  }
-  return std::filesystem::absolute(info.dli_fname).lexically_normal();
+std::string ComponentPath() {
+  std::string path = GetLoadedModulePath(reinterpret_cast<void*>(&RegisterComponent));
+  if (path.empty()) Raise("Registrar", __LINE__, "Can't find the path of the component.");
+  return path;
 }
 
 // The replacements that every script of the component may use.
 Registrar ComponentRegistrar() {
   const TypeLibrary& library = DicomDirLib();
-  const std::filesystem::path module = ComponentPath();
+  const std::string module = ComponentPath();
   char version[16];
   char lcid[16];
   std::snprintf(version, sizeof version, "%x.%x", library.majorVersion, library.minorVersion);
   std::snprintf(lcid, sizeof lcid, "%x", library.lcid);
   Registrar registrar;
   registrar.Replace(u"APPID", Text(APPID_DicomDir));
-  registrar.Replace(u"MODULE", ToWide(module.string()));
-  registrar.Replace(u"MODULEDIR", ToWide(module.parent_path().string()));
+  registrar.Replace(u"MODULE", ToWide(module));
+  registrar.Replace(u"MODULEDIR", ToWide(ParentPath(module)));
   registrar.Replace(u"LIBID", Text(library.libid));
   registrar.Replace(u"VERSION", ToWide(version));
   registrar.Replace(u"LCID", ToWide(lcid));

@@ -1,6 +1,9 @@
 #include "support/SettingsHelper.h"
 
-#include <fstream>
+#include <stdio.h>
+#include <stdlib.h>
+
+#include <memory>
 
 #include "platform/ModulePath.h"
 #include "support/ComponentStatic.h"
@@ -33,8 +36,15 @@ void SettingsHelper::Load(const std::string& name) {
           settingsFileName_.c_str(), path.c_str());
   }
   settingsFileName_ = path;
-  std::ifstream file(path);
-  for (std::string line; std::getline(file, line);) ParseSettingLine(line);
+  const std::unique_ptr<FILE, int (*)(FILE*)> file(fopen(path.c_str(), "re"), fclose);
+  if (file == nullptr) return;
+  char* line = nullptr;
+  std::size_t capacity = 0;
+  for (ssize_t length; (length = getline(&line, &capacity, file.get())) > 0;) {
+    const bool fed = line[length - 1] == '\n';
+    ParseSettingLine(std::string(line, static_cast<std::size_t>(length - fed)));
+  }
+  free(line);
 }
 
 std::string SettingsHelper::Get(const std::string& key) const {

@@ -8,10 +8,10 @@
 #include <unistd.h>
 
 #include <cstring>
-#include <filesystem>
 #include <utility>
 
 #include "platform/FileDescriptor.h"
+#include "platform/ModulePath.h"
 
 namespace halvorine {
 namespace {
@@ -50,16 +50,23 @@ bool LockExclusively(int fd) {
 
 // The folder of path, made with its ancestors when missing.
 bool MakeFolderOf(const std::string& path) {
-  const std::filesystem::path folder = std::filesystem::path(path).parent_path();
-  std::error_code error;
-  if (folder.empty() || std::filesystem::create_directories(folder, error) || !error) return true;
-  errno = error.value();
+  const std::string folder = ParentPath(path);
+  if (folder.empty()) return true;
+  for (std::size_t end = folder.find(kPathSeparator, 1);;
+       end = folder.find(kPathSeparator, end + 1)) {
+    if (mkdir(folder.substr(0, end).c_str(), 0777) != 0 && errno != EEXIST) return false;
+    if (end == std::string::npos) break;
+  }
+  struct stat made {};
+  if (stat(folder.c_str(), &made) != 0) return false;
+  if (S_ISDIR(made.st_mode)) return true;
+  errno = ENOTDIR;
   return false;
 }
 
 // Syncs the folder of path, so that a rename in it survives a crash of the machine.
 void SyncFolderOf(const std::string& path) {
-  const std::string folder = std::filesystem::path(path).parent_path().string();
+  const std::string folder = ParentPath(path);
   FileDescriptor fd(
       open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (fd.get() >= 0) fsync(fd.get());

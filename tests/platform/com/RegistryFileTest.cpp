@@ -59,6 +59,15 @@ TEST_F(RegistryFileTest, AMissingFileIsEmptyAndAChangeThatChangesNothingWritesNo
   RegistryFile folderAsFile(folder_.Path());
   EXPECT_EQ(folderAsFile.Read(&content, &problem), REGDB_E_READREGDB);
   EXPECT_EQ(problem, "The registry file " + folder_.Path() + " can't be read: Is a directory");
+
+  // A file where a folder of the path belongs, at its end or on the way.
+  WriteWholeFile(folder_.Path("plain"), "");
+  for (const std::string& path :
+       {folder_.Path("plain/registry.reg"), folder_.Path("plain/below/registry.reg")}) {
+    const RegistryFile blocked(path);
+    EXPECT_EQ(blocked.Update([](RegistryContent&) { return S_OK; }, &problem), REGDB_E_WRITEREGDB);
+    EXPECT_EQ(problem, "The registry file " + path + " can't be made: Not a directory");
+  }
 }
 
 // Each process sets keys of its own, one update each: an update that overlapped another without
