@@ -40,11 +40,13 @@ void SettingsHelper::Load(const std::string& name) {
   if (file == nullptr) return;
   char* line = nullptr;
   std::size_t capacity = 0;
+  // getline's buffer goes also when a line can't be kept for want of memory.
+  const std::unique_ptr<char*, void (*)(char**)> lineBuffer(&line,
+                                                            [](char** held) { free(*held); });
   for (ssize_t length; (length = getline(&line, &capacity, file.get())) > 0;) {
     const bool fed = line[length - 1] == '\n';
     ParseSettingLine(std::string(line, static_cast<std::size_t>(length - fed)));
   }
-  free(line);
 }
 
 std::string SettingsHelper::Get(const std::string& key) const {
