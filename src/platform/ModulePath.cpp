@@ -20,7 +20,19 @@ std::string CurrentDirectory() {
   return buffer.data();
 }
 
-// An absolute path with no empty, "." or ".." component.
+}  // namespace
+
+std::string GetModuleDirectory() {
+  std::vector<char> buffer(4096);
+  const ssize_t length = readlink("/proc/self/exe", buffer.data(), buffer.size());
+  if (length <= 0 || static_cast<std::size_t>(length) >= buffer.size()) return {};
+  std::string path(buffer.data(), static_cast<std::size_t>(length));
+  const std::size_t slash = path.rfind(kPathSeparator);
+  if (slash == std::string::npos) return {};
+  path.resize(slash + 1);
+  return path;
+}
+
 std::string LexicallyNormal(std::string_view absolute) {
   std::string normal;
   while (!absolute.empty()) {
@@ -34,19 +46,6 @@ std::string LexicallyNormal(std::string_view absolute) {
     }
   }
   return normal.empty() ? std::string(1, kPathSeparator) : normal;
-}
-
-}  // namespace
-
-std::string GetModuleDirectory() {
-  std::vector<char> buffer(4096);
-  const ssize_t length = readlink("/proc/self/exe", buffer.data(), buffer.size());
-  if (length <= 0 || static_cast<std::size_t>(length) >= buffer.size()) return {};
-  std::string path(buffer.data(), static_cast<std::size_t>(length));
-  const std::size_t slash = path.rfind(kPathSeparator);
-  if (slash == std::string::npos) return {};
-  path.resize(slash + 1);
-  return path;
 }
 
 std::string GetLoadedModulePath(const void* address) {

@@ -2,6 +2,7 @@
 #define HALVORINE_PLATFORM_MODULEPATH_H
 
 #include <string>
+#include <string_view>
 
 namespace halvorine {
 
@@ -16,6 +17,10 @@ std::string GetModuleDirectory();
 // "." and ".." taken away by name, so that a registration follows the name that leads to the file
 // after an upgrade. Empty when the loader doesn't know the address.
 std::string GetLoadedModulePath(const void* address);
+
+// An absolute path with no empty, "." or ".." component; ".." at the root stays there, as the
+// system takes it.
+std::string LexicallyNormal(std::string_view absolute);
 
 // The path without its last component: the folder of a file, "/" for a file at the root and empty
 // for a bare name.
